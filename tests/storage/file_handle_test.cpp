@@ -1,0 +1,162 @@
+#include "dorvutil/storage/file_handle.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "dorvutil/frame/accessors.h"
+#include "dorvutil/memory/pool.h"
+#include "dorvutil/storage/file_mgr.h"
+#include "dorvutil/storage/memory_handle.h"
+#include "dorvutil/storage/stdio_handle.h"
+
+namespace dorvutil {
+namespace {
+
+std::string Text(COrvFileHandleBase& handle) {
+    char buffer[256] = {};
+    const std::uint32_t n = handle.Read(buffer, sizeof buffer, 1);
+    return std::string(buffer, n);
+}
+
+TEST(MemoryHandle, AnswersNeutrallyUntilOpened) {
+    COrvFileHandleMemory handle(eAccessReadWrite);
+    char byte = 'x';
+    EXPECT_FALSE(handle.IsOpen());
+    EXPECT_EQ(handle.Read(&byte, 1, 1), 0u);
+    EXPECT_EQ(handle.Write(&byte, 1, 1), 0u);
+    EXPECT_EQ(handle.Seek(0, eSeekSet), -1);
+    EXPECT_EQ(handle.Tell(), -1);
+    EXPECT_EQ(handle.Length(), -1);
+    EXPECT_EQ(handle.Flush(), -1);
+    EXPECT_FALSE(handle.LockBytes(1, true, false));
+    EXPECT_EQ(handle.StopRead(), 0);
+    EXPECT_EQ(handle.StopWrite(), 0);
+}
+
+TEST(MemoryHandle, AccessModeDecidesWhatIsAllowed) {
+    static constexpr struct {
+        eAccessMode access;
+        bool reads, writes;
+    } kCases[] = {{eAccessRead, true, false},     {eAccessWrite, false, true},    {eAccessAppend, true, true},
+                  {eAccessReadWrite, true, true}, {eAccessNone, false, false}};
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.access);
+        COrvFileHandleMemory handle("abc", 3, true, c.access);
+        handle.Open();
+        char byte = 0;
+        EXPECT_EQ(handle.Read(&byte, 1, 1), c.reads ? 1u : 0u);
+        EXPECT_EQ(handle.Write("z", 1, 1), c.writes ? 1u : 0u);
+        EXPECT_EQ(handle.Read(&byte, 1, -1), 0u);
+    }
+}
+
+TEST(MemoryHandle, GrowsItsOwnBytesAndFillsGapsWithZero) {
+    COrvFileHandleMemory handle(eAccessReadWrite);
+    handle.Open();
+    EXPECT_EQ(handle.Write("ab", 2, 1), 2u);
+    EXPECT_EQ(handle.Seek(20, eSeekSet), 0);
+    EXPECT_EQ(Text(handle), "") << "past the end";
+    EXPECT_EQ(handle.Write("c", 1, 1), 1u);
+    EXPECT_EQ(handle.Length(), 21);
+    EXPECT_EQ(handle.Seek(1, eSeekSet), 0);
+    EXPECT_EQ(Text(handle), "b" + std::string(18, '\0') + "c");
+    EXPECT_EQ(handle.Seek(-30, eSeekEnd), -1);
+    EXPECT_EQ(handle.Tell(), 21) << "a refused seek stays where it was";
+    EXPECT_EQ(handle.Seek(-1, eSeekCur), 0);
+    EXPECT_EQ(Text(handle), "c");
+    EXPECT_EQ(handle.Seek(0, static_cast<eSeekMode>(7)), -1);
+    EXPECT_EQ(handle.Open(), 0) << "opening again rewinds";
+    EXPECT_EQ(handle.Tell(), 0);
+}
+
+TEST(MemoryHandle, WrappedMemoryIsWrittenInPlaceAndNeverGrows) {
+    char bytes[4] = {'a', 'b', 'c', 'd'};
+    COrvFileHandleMemory handle(bytes, 4, false, eAccessReadWrite);
+    handle.Open();
+    EXPECT_EQ(handle.Write("XY", 2, 1), 2u);
+    EXPECT_EQ(std::string(bytes, 4), "XYcd");
+    handle.Seek(3, eSeekSet);
+    EXPECT_EQ(handle.Write("12", 2, 1), 0u);
+    EXPECT_EQ(std::string(bytes, 4), "XYcd");
+    EXPECT_EQ(handle.Length(), 4);
+    COrvFileHandleMemory copy(handle.ByteArray(), true, eAccessReadWrite);
+    copy.Open();
+    EXPECT_EQ(copy.Write("12345", 5, 1), 5u);
+    EXPECT_EQ(std::string(bytes, 4), "XYcd");
+}
+
+class DiskHandle : public testing::Test {
+protected:
+    void SetUp() override {
+        char pattern[] = "/tmp/dorvutil_XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        m_folder = pattern;
+    }
+    void TearDown() override { std::filesystem::remove_all(m_folder); }
+
+    // Opens a file of the test folder, named with the interface's separator.
+    std::unique_ptr<COrvFileHandleBase> Open(const char* name, eAccessMode access) {
+        std::string path = m_folder + "/" + name;
+        for (char& c : path) c = c == '/' ? '\\' : c;
+        return std::unique_ptr<COrvFileHandleBase>(
+            GetFileMgr()->OpenFileHandle(path.c_str(), access, eBinary, 0, nullptr));
+    }
+    std::string m_folder;
+};
+
+TEST_F(DiskHandle, WritesReadsAppendsAndSeeks) {
+    EXPECT_EQ(Open("Zürich.txt", eAccessRead), nullptr);
+    EXPECT_EQ(Open("Zürich.txt", eAccessReadWrite), nullptr);
+    auto writer = Open("Zürich.txt", eAccessWrite);
+    ASSERT_NE(writer, nullptr);
+    EXPECT_EQ(writer->Write("hello", 5, 1), 5u);
+    EXPECT_EQ(writer->Flush(), 0);
+    EXPECT_EQ(std::filesystem::file_size(m_folder + "/Zürich.txt"), 5u);
+    EXPECT_EQ(writer->Tell(), 5);
+    EXPECT_EQ(writer->Close(), 0);
+    EXPECT_EQ(writer->Close(), -1);
+    EXPECT_EQ(writer->Tell(), -1);
+
+    auto appender = Open("Zürich.txt", eAccessAppend);
+    EXPECT_EQ(appender->Write(" world", 6, 1), 6u);
+    EXPECT_EQ(appender->Length(), 11);
+    appender->Close();
+
+    auto both = Open("Zürich.txt", eAccessReadWrite);
+    EXPECT_EQ(both->Length(), 11);
+    EXPECT_EQ(Text(*both), "hello world");
+    EXPECT_EQ(both->Seek(-5, eSeekEnd), 0);
+    EXPECT_EQ(both->Write("W", 1, 1), 1u);
+    char next = 0;
+    EXPECT_EQ(both->Read(&next, 1, 1), 1u) << "reading right behind a write";
+    EXPECT_EQ(next, 'o');
+    EXPECT_EQ(both->Write("R", 1, 1), 1u) << "and writing right behind a read";
+    EXPECT_EQ(both->Seek(0, eSeekSet), 0);
+    EXPECT_EQ(Text(*both), "hello WoRld");
+    EXPECT_EQ(both->Seek(-1, eSeekSet), -1);
+    EXPECT_EQ(both->Seek(0, static_cast<eSeekMode>(3)), -1);
+}
+
+TEST_F(DiskHandle, AnUnknownModeDoesNotOpen) {
+    EXPECT_EQ(Open("a", eAccessNone), nullptr);
+    EXPECT_EQ(Open("a", static_cast<eAccessMode>(5)), nullptr);
+    EXPECT_TRUE(std::filesystem::is_empty(m_folder));
+}
+
+TEST_F(DiskHandle, ObjectsLiveInTheRegistrysPool) {
+    const std::unique_ptr<COrvFileHandleBase> handle(
+        GetFileMgr()->CreateFileHandle("x", eAccessRead, eBinary, 0, nullptr));
+    ASSERT_NE(handle, nullptr);
+    EXPECT_FALSE(handle->IsOpen());
+    EXPECT_TRUE(FileHandlePool()->Contains(handle.get()));
+    EXPECT_STREQ(handle->Path().c_str(false), "x");
+    EXPECT_EQ(handle->AccessMode(), eAccessRead);
+}
+
+}  // namespace
+}  // namespace dorvutil
