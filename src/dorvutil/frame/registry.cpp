@@ -1,0 +1,81 @@
+#include "dorvutil/frame/registry.h"
+
+#include <new>
+
+#include "dorvutil/concurrency/semaphore.h"
+#include "dorvutil/frame/message_screen.h"
+#include "dorvutil/frame/unit_test.h"
+#include "dorvutil/memory/pool.h"
+#include "dorvutil/messaging/callback_mgr.h"
+#include "dorvutil/messaging/progress_mgr.h"
+#include "dorvutil/platform/thread.h"
+#include "dorvutil/storage/file_mgr.h"
+#include "dorvutil/storage/stdio_handle.h"
+#include "dorvutil/text/special_chars.h"
+#include "dorvutil/text/string_allocator.h"
+
+namespace dorvutil {
+namespace {
+
+constexpr std::uint32_t kPoolBlockSize = 4096;  // bytes
+
+template <class T>
+Allocator* NewPool() {
+    return new (std::nothrow) Allocator(sizeof(T), ts_critSec, kPoolBlockSize, nullptr, false, false);
+}
+
+template <class T>
+void Create(std::atomic<T*>& slot) {
+    slot.store(new (std::nothrow) T, std::memory_order_release);
+}
+
+// Empties the slot after the object is gone: what the object's own tear-down still reaches through it stays reachable.
+template <class T>
+void Destroy(std::atomic<T*>& slot) {
+    delete slot.load(std::memory_order_acquire);
+    slot.store(nullptr, std::memory_order_release);
+}
+
+}  // namespace
+
+ORVUtilGlobals::ORVUtilGlobals() = default;
+
+ORVUtilGlobals::~ORVUtilGlobals() { TryTeardown(); }
+
+const char* ORVUtilGlobals::Name() { return "DOrvUtil"; }
+
+void ORVUtilGlobals::AddDependencies() {}
+
+bool ORVUtilGlobals::Initialize() {
+    m_fileHandlePool.store(NewPool<COrvFileHandleStdio>(), std::memory_order_release);
+    m_eventChainPool.store(NewPool<OrvEventChain<critSec>>(), std::memory_order_release);
+    Create(m_fileMgr);
+    Create(m_stringAllocator);
+    Create(m_specCharMgr);
+    Create(m_callbackMgr);
+    Create(m_progressMgr);
+    SetUnitTestMgr(new (std::nothrow) DorvutilUnitTestMgr);
+    return true;
+}
+
+bool ORVUtilGlobals::Teardown() {
+    Destroy(m_progressMgr);
+    Destroy(m_callbackMgr);
+    Destroy(m_messageScreenProducer);
+    if (CSpecialCharMgr* const specialChars = m_specCharMgr.load(std::memory_order_acquire)) {
+        specialChars->ReleaseTables();
+    }
+    Destroy(m_specCharMgr);
+    Destroy(m_stringAllocator);
+    Destroy(m_fileMgr);
+    Destroy(m_fileHandlePool);
+    Destroy(m_timerAgentPool);
+    Destroy(m_eventChainPool);
+    return true;
+}
+
+bool ORVUtilGlobals::UIThread_AmICurrent() const { return platform::CurrentThreadId() == m_uiThread; }
+
+void ORVUtilGlobals::SignalStartupFinished() { Setup(); }
+
+}  // namespace dorvutil

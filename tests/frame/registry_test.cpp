@@ -1,0 +1,145 @@
+#include "dorvutil/frame/registry.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "dorvutil/frame/build_info.h"
+#include "dorvutil/frame/message_screen.h"
+#include "dorvutil/frame/unit_test.h"
+#include "dorvutil/memory/pool.h"
+#include "dorvutil/messaging/callback.h"
+#include "dorvutil/platform/thread.h"
+#include "dorvutil/text/string.h"
+
+namespace dorvutil {
+namespace {
+
+TEST(Registry, OneAccessorCreatesEveryManagerThisBuildHas) {
+    ORVUtilGlobals* const registry = GetORVUtilGlobals();
+    CallbackMgr* const callbacks = GetCallbackMgr();
+    EXPECT_NE(callbacks, nullptr);
+    EXPECT_EQ(GetCallbackMgr(), callbacks);
+    EXPECT_NE(GetFileMgr(), nullptr);
+    EXPECT_NE(GetStringAllocator(), nullptr);
+    EXPECT_NE(GetSpecCharMgr(), nullptr);
+    EXPECT_NE(GetProgressMgr(), nullptr);
+    ASSERT_NE(FileHandlePool(), nullptr);
+    EXPECT_EQ(FileHandlePool()->BlockSize(), 4096u);
+    EXPECT_NE(EventChainPool(), nullptr);
+    EXPECT_STREQ(registry->Name(), "DOrvUtil");
+    EXPECT_EQ(registry->GetAssertTracker(), nullptr);
+    EXPECT_EQ(GetSMSHandler(), nullptr);
+    EXPECT_EQ(GetPhoneCallMonitor(), nullptr);
+    EXPECT_EQ(registry->GetBacklight(), nullptr);
+}
+
+TEST(Registry, TearsDownWithTheLastReferenceAndComesBackAfresh) {
+    ASSERT_NE(GetCallbackMgr(), nullptr);
+    {
+        DependencyHolder client;
+        client.AddDependency(GetORVUtilGlobals());
+        EXPECT_NE(GetFileMgr(), nullptr);
+    }
+    EXPECT_EQ(GetCallbackMgr(), nullptr);
+    EXPECT_EQ(GetFileMgr(), nullptr);
+    EXPECT_EQ(GetStringAllocator(), nullptr);
+    EXPECT_EQ(EventChainPool(), nullptr);
+    const ORVustring without("made without a registry");
+    EXPECT_STREQ(without.c_str(false), "made without a registry");
+
+    GetORVUtilGlobals()->ObtainRef();
+    EXPECT_NE(GetCallbackMgr(), nullptr);
+    EXPECT_STREQ(without.c_str(false), "made without a registry");
+    GetORVUtilGlobals()->ReleaseRef(true);
+    GetORVUtilGlobals()->ObtainRef();  // the other tests of this process go on with a registry
+}
+
+TEST(Registry, StringsOutliveATearDown) {
+    ASSERT_NE(GetStringAllocator(), nullptr);
+    ORVustring pooled("short"), empty(""), shared = pooled;
+    GetORVUtilGlobals()->ReleaseRef(true);
+    ASSERT_EQ(GetStringAllocator(), nullptr);
+    EXPECT_STREQ(pooled.c_str(false), "short");
+    pooled += " and longer";
+    EXPECT_STREQ(pooled.c_str(false), "short and longer");
+    EXPECT_STREQ(shared.c_str(false), "short");
+    empty += "x";
+    GetORVUtilGlobals()->ObtainRef();
+    ASSERT_NE(GetStringAllocator(), nullptr);
+    shared = pooled;  // lets a block of the earlier allocator go
+}
+
+TEST(Registry, SelfTestsHold) {
+    UnitTestMgr* const tests = GetORVUtilGlobals()->GetUnitTestMgr();
+    ASSERT_NE(tests, nullptr);
+    EXPECT_GE(tests->CaseCount(), 10u);
+    for (std::uint32_t i = 0; i < tests->CaseCount(); ++i) EXPECT_TRUE(tests->RunCase(i)) << tests->CaseName(i);
+}
+
+TEST(Registry, PlainMembersKeepWhatTheyAreGiven) {
+    ORVUtilGlobals& registry = *GetORVUtilGlobals();
+    EXPECT_EQ(registry.UIThread_GetCurrent(), 0xFFFFFFFFu);
+    EXPECT_FALSE(registry.UIThread_AmICurrent());
+    EXPECT_EQ(registry.UIThread_SetCurrent(platform::CurrentThreadId()), 0xFFFFFFFFu);
+    EXPECT_TRUE(registry.UIThread_AmICurrent());
+    EXPECT_EQ(registry.UIThread_SetCurrent(0xFFFFFFFFu), platform::CurrentThreadId());
+
+    EXPECT_STREQ(registry.GetNullCString(), "");
+    registry.SetMapSpeakSleep(7);
+    EXPECT_EQ(registry.GetMapSpeakSleep(), 7);
+    registry.SetHardwareInfo({2, true, true});
+    EXPECT_EQ(registry.GetHardwareInfo().m_deviceKind, 2u);
+    EXPECT_TRUE(registry.GetHardwareInfo().m_secondFlag);
+    registry.SignalStartupFinished();
+
+    const std::string info = GetBuildInfo();
+    EXPECT_EQ(info.find('\n'), info.rfind('\n'));
+    EXPECT_NE(info.find('\n'), std::string::npos);
+}
+
+// Answers 42 and remembers what it was to show.
+class FakeScreen : public MessageScreenProducer {
+public:
+    std::int32_t ShowMessageScreen(std::uint32_t style, const ORVustring& text, const ORVustring& caption) override {
+        s_shown = std::to_string(style) + ":" + caption.c_str(false) + ":" + text.c_str(false);
+        return 42;
+    }
+    inline static std::string s_shown;
+};
+
+int g_quitMessages = 0;
+
+TEST(MessageScreen, GoesToTheHostsProducerOnceTheInterfaceIsReady) {
+    ORVUtilGlobals& registry = *GetORVUtilGlobals();
+    const auto onQuit = [](EMsgID, const CBDataBase*) { ++g_quitMessages; };
+    DORV_RegisterCallbackListener(onQuit, EMsgID{0});
+    registry.SetMessageScreenProducer(new FakeScreen);
+
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(registry.MessageScreen("disk full", false, "Save", 5, true), 1) << "not ready: a message box";
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Save: disk full\n");
+
+    registry.SetUIReady(true);
+    EXPECT_EQ(registry.MessageScreen("disk full", false, "Save", 5, true), 42);
+    EXPECT_EQ(FakeScreen::s_shown, "5:Save:disk full");
+    std::int32_t code = 0;
+    EXPECT_FALSE(TakePostedQuit(code));
+
+    EXPECT_EQ(registry.MessageScreen("bye", true, "End", 0, true), 42);
+    EXPECT_EQ(g_quitMessages, 1);
+    EXPECT_TRUE(TakePostedQuit(code));
+    EXPECT_EQ(code, -1);
+    EXPECT_FALSE(TakePostedQuit(code));
+    DORV_UnRegisterCallbackListener(onQuit);
+    registry.SetUIReady(false);
+}
+
+TEST(MessageScreenDeathTest, AQuittingMessageBoxEndsTheProcess) {
+    EXPECT_EXIT(GetORVUtilGlobals()->MessageScreen("broken", true, "Stop", 0, false), testing::ExitedWithCode(255),
+                "Stop: broken");
+}
+
+}  // namespace
+}  // namespace dorvutil
