@@ -15,5 +15,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/dorvutilConfigVersion.cma
 install(FILES ${PROJECT_BINARY_DIR}/dorvutilConfig.cmake ${PROJECT_BINARY_DIR}/dorvutilConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/dorvutil)
 
+# Found from the file's own place, so that an installed tree may be moved.
+file(RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/dorvutil.pc.in ${PROJECT_BINARY_DIR}/dorvutil.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/dorvutil.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -12,8 +12,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 # From the bottom up; the first pattern that matches a file decides its layer.
 LAYERS = [
     ("platform", r"^platform/"),
-    ("accessors", r"^frame/(accessors|export)\.h$"),
-    ("sync", r"^concurrency/(locks|event|sync|lockable|semaphore|narrow_name)\b"),
+    ("accessors", r"^frame/(accessors|export|byte_order)\.h$"),
+    ("sync", r"^concurrency/(locks|event|sync|lockable|semaphore|object_name)\b"),
     ("memory", r"^memory/"),
     ("text", r"^text/"),
     ("services", r"^(time|security|geometry)/"),

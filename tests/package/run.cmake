@@ -20,7 +20,7 @@ run(${BUILD_DIR}/package/cmake/consumer)
 
 find_program(PKG_CONFIG pkg-config REQUIRED)
 set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBDIR}/pkgconfig)
-execute_process(COMMAND ${PKG_CONFIG} --define-prefix --cflags --libs dorvutil OUTPUT_VARIABLE flags
+execute_process(COMMAND ${PKG_CONFIG} --cflags --libs dorvutil OUTPUT_VARIABLE flags
                 OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 separate_arguments(flags)
 run(${CXX} ${CMAKE_CURRENT_LIST_DIR}/main.cpp -o ${BUILD_DIR}/package/consumer ${flags}
