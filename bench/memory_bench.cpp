@@ -133,9 +133,8 @@ void VectorSearchStd(benchmark::State& state) {
     benchmark::DoNotOptimize(compare);
     for (auto _ : state) {
         for (std::size_t i = 0; i < 1000; ++i) {
-            benchmark::DoNotOptimize(std::lower_bound(v.begin(), v.end(), keys[i], [compare](auto& a, auto& b) {
-                return compare(&a, &b) < 0;
-            }));
+            benchmark::DoNotOptimize(std::lower_bound(v.begin(), v.end(), keys[i],
+                                                      [compare](auto& a, auto& b) { return compare(&a, &b) < 0; }));
         }
     }
 }

@@ -1,5 +1,5 @@
-// One key press of the place search, from the text to the final list of at most a hundred, beside a plain scan of the same
-// folded names and a trigram index of SQLite. Half and ninety-ninth percentile over the keys of 250 typed names.
+// One key press of the place search, from the text to the final list of at most a hundred, beside a plain scan of the
+// same folded names and a trigram index of SQLite. Half and ninety-ninth percentile over the keys of 250 typed names.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -90,7 +90,9 @@ private:
 
 class Scan : public Contender {
 public:
-    Scan() { m_index.Build(Places(), [](unsigned) { return true; }); }
+    Scan() {
+        m_index.Build(Places(), [](unsigned) { return true; });
+    }
     void Press(const std::string& text) override {
         const std::string needle = roadlyn::FoldedText(text);
         const std::string_view all = m_index.FoldedNames();
@@ -99,7 +101,8 @@ public:
         const char* const end = at + all.size();
         while (const void* hit = memmem(at, static_cast<std::size_t>(end - at), needle.data(), needle.size())) {
             m_hits.push_back(static_cast<std::uint32_t>(static_cast<const char*>(hit) - all.data()));
-            at = static_cast<const char*>(memchr(hit, '\n', static_cast<std::size_t>(end - static_cast<const char*>(hit))));
+            at = static_cast<const char*>(
+                memchr(hit, '\n', static_cast<std::size_t>(end - static_cast<const char*>(hit))));
             if (!at) break;
         }
         benchmark::DoNotOptimize(m_hits.data());
@@ -188,10 +191,9 @@ const int g_registered = [] {
     for (const auto& [percentile, part] : {std::pair("p50", 0.5), std::pair("p99", 0.99)}) {
         const std::string work = std::string("one key press over all places, ") + percentile;
         for (const auto& [who, make] : makers) {
-            benchmark::RegisterBenchmark((work + "|" + who).c_str(),
-                                         [part = part, make = make](benchmark::State& state) {
-                                             Report(state, part, make);
-                                         })
+            benchmark::RegisterBenchmark(
+                (work + "|" + who).c_str(),
+                [part = part, make = make](benchmark::State& state) { Report(state, part, make); })
                 ->UseManualTime()
                 ->Iterations(1);
         }

@@ -16,6 +16,10 @@ constexpr std::size_t kMaxGradedBytes = 254;
 // A range of suffixes with at least one for every so many rows is dense: scanning rows in order soon meets enough.
 constexpr std::size_t kDenseRows = 8;
 
+// Building: rows between two reports, and the share of making the texts in the whole.
+constexpr std::uint32_t kRowsPerReport = 4096;
+constexpr unsigned kTextPermille = 300;
+
 // How many rows are looked at between two questions whether to stop.
 constexpr std::size_t kRowsPerPoll = 1024;
 
@@ -45,38 +49,35 @@ PlaceIndex::Query::Query(std::string_view input)
 
 bool PlaceIndex::Build(const PlaceTable& places, const ProgressFunction& progress) {
     *this = PlaceIndex();
-    std::vector<Suffix> plain;
-    std::vector<Suffix> accented;
-    AddTexts(places, plain, accented);
-    // The suffixes are split by their first byte, so that sorting can tell how far it is.
-    const auto byFirstByte = [](const Suffix& a, const Suffix& b) { return a.key >> 56 < b.key >> 56; };
-    std::stable_sort(plain.begin(), plain.end(), byFirstByte);
-    for (std::size_t from = 0; from < plain.size();) {
-        if (!progress(static_cast<unsigned>(from * 1000 / plain.size()))) {
-            *this = PlaceIndex();
-            return false;
-        }
-        const auto end =
-            std::upper_bound(plain.begin() + static_cast<std::ptrdiff_t>(from), plain.end(), plain[from], byFirstByte);
-        const auto to = static_cast<std::size_t>(end - plain.begin());
-        SortSuffixes(m_sanitized, plain, from, to);
-        from = to;
+    SuffixGroups plain;
+    SuffixGroups accented;
+    if (!AddTexts(places, plain, accented, progress) || !SortGroups(plain, progress)) {
+        *this = PlaceIndex();
+        return false;
     }
-    SortSuffixes(m_folded, accented, 0, accented.size());
     SplitByPosition(plain, places);
-    m_accented.Reserve(accented.size());
-    for (const Suffix& suffix : accented) m_accented.Add(suffix);
+    for (std::vector<Suffix>& group : accented) {
+        SortSuffixes(m_folded, group);
+        for (const Suffix& suffix : group) m_accented.Add(suffix);
+    }
+    m_accented.Shrink();
     m_marks.assign((places.Count() + 63) / 64, 0);
     return true;
 }
 
-void PlaceIndex::AddTexts(const PlaceTable& places, std::vector<Suffix>& plain, std::vector<Suffix>& accented) {
-    const auto addSuffixes = [](std::vector<Suffix>& to, std::string_view text, std::uint32_t row) {
+bool PlaceIndex::AddTexts(const PlaceTable& places, SuffixGroups& plain, SuffixGroups& accented,
+                          const ProgressFunction& progress) {
+    const auto addSuffixes = [](SuffixGroups& to, std::string_view text, std::uint32_t row) {
         for (std::size_t i = 0; i < text.size(); i += CharacterLength(text, i)) {
-            to.push_back({SuffixKey(text.substr(i)), row, static_cast<std::uint32_t>(i)});
+            to[static_cast<unsigned char>(text[i])].push_back(
+                {SuffixKey(text.substr(i)), row, static_cast<std::uint32_t>(i)});
         }
     };
     for (std::uint32_t row = 0; row < places.Count(); ++row) {
+        if (row % kRowsPerReport == 0 &&
+            !progress(static_cast<unsigned>(std::uint64_t{row} * kTextPermille / places.Count()))) {
+            return false;
+        }
         const std::string lower = LowerText(places.Name(row));
         const std::string sanitized = SanitizedText(lower);
         const std::string folded = FoldedText(lower);
@@ -87,10 +88,24 @@ void PlaceIndex::AddTexts(const PlaceTable& places, std::vector<Suffix>& plain, 
         addSuffixes(plain, sanitized, row);
         if (folded != sanitized) addSuffixes(accented, folded, row);
     }
+    return true;
+}
+
+bool PlaceIndex::SortGroups(SuffixGroups& groups, const ProgressFunction& progress) const {
+    std::size_t all = 0;
+    for (const std::vector<Suffix>& group : groups) all += group.size();
+    std::size_t sorted = 0;
+    for (std::vector<Suffix>& group : groups) {
+        if (group.empty()) continue;
+        if (!progress(kTextPermille + static_cast<unsigned>(sorted * (1000 - kTextPermille) / all))) return false;
+        SortSuffixes(m_sanitized, group);
+        sorted += group.size();
+    }
+    return true;
 }
 
 // A suffix of the sanitized text starts a word when the library would say so of the same letter in the name.
-void PlaceIndex::SplitByPosition(const std::vector<Suffix>& plain, const PlaceTable& places) {
+void PlaceIndex::SplitByPosition(const SuffixGroups& plain, const PlaceTable& places) {
     std::vector<bool> startsWord(m_sanitized.All().size());
     const auto position = [this](std::uint32_t row, std::size_t offset) {
         return static_cast<std::size_t>(m_sanitized.Row(row).data() - m_sanitized.All().data()) + offset;
@@ -104,12 +119,16 @@ void PlaceIndex::SplitByPosition(const std::vector<Suffix>& plain, const PlaceTa
             ++kept;
         }
     }
-    m_insides.Reserve(plain.size());
+    std::size_t count = 0;
+    for (const std::vector<Suffix>& group : plain) count += group.size();
+    m_insides.Reserve(count);
     m_starts.Reserve(places.Count());
-    for (const Suffix& suffix : plain) {
-        m_insides.Add(suffix);
-        if (suffix.offset == 0) m_starts.Add(suffix);
-        if (startsWord[position(suffix.row, suffix.offset)]) m_words.Add(suffix);
+    for (const std::vector<Suffix>& group : plain) {
+        for (const Suffix& suffix : group) {
+            m_insides.Add(suffix);
+            if (suffix.offset == 0) m_starts.Add(suffix);
+            if (startsWord[position(suffix.row, suffix.offset)]) m_words.Add(suffix);
+        }
     }
     m_words.Shrink();
 }

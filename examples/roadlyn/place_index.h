@@ -64,8 +64,13 @@ private:
     };
     enum Grade : std::size_t { kPrefix, kSanitizedPrefix, kWordStart, kInside, kSanitizedInside, kFolded, kGrades };
 
-    void AddTexts(const PlaceTable& places, std::vector<Suffix>& plain, std::vector<Suffix>& accented);
-    void SplitByPosition(const std::vector<Suffix>& plain, const PlaceTable& places);
+    /// Suffixes by their first byte, so that sorting them can tell how far it is.
+    using SuffixGroups = std::array<std::vector<Suffix>, 256>;
+
+    bool AddTexts(const PlaceTable& places, SuffixGroups& plain, SuffixGroups& accented,
+                  const ProgressFunction& progress);
+    bool SortGroups(SuffixGroups& groups, const ProgressFunction& progress) const;
+    void SplitByPosition(const SuffixGroups& plain, const PlaceTable& places);
     Grade GradeOf(std::uint32_t row, const Query& query) const;
     std::size_t Found(Grade worst) const;
     void Keep(Grade grade, std::uint32_t row) {

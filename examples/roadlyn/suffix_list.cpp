@@ -30,9 +30,8 @@ std::uint64_t SuffixKey(std::string_view text) {
     return key;
 }
 
-void SortSuffixes(const TextBlock& texts, std::vector<Suffix>& suffixes, std::size_t from, std::size_t to) {
-    const auto at = [&](std::size_t i) { return suffixes.begin() + static_cast<std::ptrdiff_t>(i); };
-    std::sort(at(from), at(to), [&texts](const Suffix& a, const Suffix& b) {
+void SortSuffixes(const TextBlock& texts, std::vector<Suffix>& suffixes) {
+    std::sort(suffixes.begin(), suffixes.end(), [&texts](const Suffix& a, const Suffix& b) {
         if (a.key != b.key) return a.key < b.key;
         if ((a.key & 0xFF) != 0) {  // eight bytes say no more
             const std::string_view textA = texts.Row(a.row).substr(a.offset + 8);

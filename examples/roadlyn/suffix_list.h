@@ -38,7 +38,7 @@ struct Suffix {
 };
 
 /// Sorts by text; equal texts by row.
-void SortSuffixes(const TextBlock& texts, std::vector<Suffix>& suffixes, std::size_t from, std::size_t to);
+void SortSuffixes(const TextBlock& texts, std::vector<Suffix>& suffixes);
 
 /// The first eight bytes of a text as a number that sorts like the text.
 std::uint64_t SuffixKey(std::string_view text);

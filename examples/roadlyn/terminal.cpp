@@ -219,10 +219,10 @@ int Terminal::Put(int row, int column, int width, const std::string& text, Style
         taken += columns;
         i += length;
     }
-    ::attrset(AttributeOf(style));
+    ::attr_set(AttributeOf(style), 0, nullptr);
     mvaddnwstr(row, column, shown.c_str(), static_cast<int>(shown.size()));
     for (int blank = taken; blank < width; ++blank) mvaddch(row, column + blank, ' ');
-    ::attrset(A_NORMAL);
+    ::attr_set(A_NORMAL, 0, nullptr);
     return taken;
 }
 

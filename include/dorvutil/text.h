@@ -13,6 +13,5 @@
 #include "dorvutil/text/string_allocator.h"
 #include "dorvutil/text/string_guts.h"
 #include "dorvutil/text/string_hash.h"
-#include "dorvutil/text/string_list.h"
 #include "dorvutil/text/tokenize.h"
 #include "dorvutil/text/utf8.h"

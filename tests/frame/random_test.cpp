@@ -14,10 +14,14 @@ namespace {
 // One step of each component of LFSR113, written out as its author prints it.
 std::uint32_t Step(std::uint32_t component, std::uint32_t z) {
     switch (component) {
-        case 0: return ((z & 4294967294u) << 18) ^ (((z << 6) ^ z) >> 13);
-        case 1: return ((z & 4294967288u) << 2) ^ (((z << 2) ^ z) >> 27);
-        case 2: return ((z & 4294967280u) << 7) ^ (((z << 13) ^ z) >> 21);
-        default: return ((z & 4294967168u) << 13) ^ (((z << 3) ^ z) >> 12);
+        case 0:
+            return ((z & 4294967294u) << 18) ^ (((z << 6) ^ z) >> 13);
+        case 1:
+            return ((z & 4294967288u) << 2) ^ (((z << 2) ^ z) >> 27);
+        case 2:
+            return ((z & 4294967280u) << 7) ^ (((z << 13) ^ z) >> 21);
+        default:
+            return ((z & 4294967168u) << 13) ^ (((z << 3) ^ z) >> 12);
     }
 }
 
@@ -32,8 +36,7 @@ TEST(RandState, EachThreadAdvancesItsOwnWordWithItsOwnComponent) {
         std::uint32_t mixed = word;
         for (std::uint32_t next = 1; next <= 3; ++next) mixed ^= words[(thread + next) % 32];
         const auto value = static_cast<std::int32_t>(mixed);
-        const std::int32_t expected =
-            value < 0 && value != std::numeric_limits<std::int32_t>::min() ? -value : value;
+        const std::int32_t expected = value < 0 && value != std::numeric_limits<std::int32_t>::min() ? -value : value;
         ASSERT_EQ(state.Next(thread), expected) << "call " << call;
     }
 }

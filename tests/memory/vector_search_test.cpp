@@ -163,7 +163,7 @@ TEST(VectorQSort, SortsEveryShapeInNLogN) {
             g_comparisons = 0;
             v.QSort(CountingCompare);
             ASSERT_EQ(Held(v), model);
-            EXPECT_LE(g_comparisons, 64 + 5 * n * std::bit_width(static_cast<unsigned>(n)));
+            EXPECT_LE(g_comparisons, 64 + 5 * n * static_cast<int>(std::bit_width(static_cast<unsigned>(n))));
         }
     }
 }

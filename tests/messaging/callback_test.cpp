@@ -12,6 +12,7 @@
 #include "dorvutil/messaging/callback_mgr.h"
 #include "dorvutil/messaging/payload.h"
 #include "messaging/allocation_count.h"
+#include "messaging/registry_down.h"
 
 namespace dorvutil {
 namespace {
@@ -111,6 +112,17 @@ TEST(Dispatch, ChangesDuringADispatchTouchOnlyTheNextOne) {
     };
     EXPECT_EQ(Raise(), "ac");
     EXPECT_EQ(Raise(), "acd");
+}
+
+TEST(Dispatch, AnEarlierListenerThatComesMeanwhileShiftsNobody) {
+    Probe first('b', 1);
+    const Probe last('c', 2);
+    std::unique_ptr<Probe> early;
+    first.m_action = [&](EMsgID, const CBDataBase*) {
+        if (!early) early = std::make_unique<Probe>('a', 0);
+    };
+    EXPECT_EQ(Raise(), "bc");
+    EXPECT_EQ(Raise(), "abc");
 }
 
 TEST(Dispatch, AListenerMayUnregisterItselfAndRaiseMessages) {
@@ -215,6 +227,21 @@ TEST(Functions, MayRemoveThemselvesWhileTheyRun) {
     DORV_RegisterCallbackListener(SelfRemoving, kMessage);
     EXPECT_EQ(Raise(), "st");
     EXPECT_EQ(Raise(), "");
+}
+
+TEST(Manager, ListenersOutliveIt) {
+    DORV_RegisterCallbackListener(Plain, kMessage);
+    auto probe = std::make_unique<Probe>('a');
+    testing_support::RegistryDown registry;
+    ASSERT_EQ(GetCallbackMgr(), nullptr);
+    const Probe late('b');
+    DORV_RegisterCallbackListener(Plain, kMessage);
+    DORV_UnRegisterCallbackListener(Plain);
+    EXPECT_EQ(Raise(), "");
+    registry.BringBack();
+    ASSERT_NE(GetCallbackMgr(), nullptr);
+    EXPECT_EQ(Raise(), "") << "the new manager knows none of them";
+    probe.reset();
 }
 
 TEST(Manager, KeepsItsHooks) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "dorvutil/frame/accessors.h"
 #include "dorvutil/messaging/printf_observer.h"
@@ -12,6 +13,7 @@
 #include "dorvutil/messaging/progress_mgr.h"
 #include "dorvutil/platform/clock.h"
 #include "dorvutil/time/clock.h"
+#include "messaging/registry_down.h"
 
 namespace dorvutil {
 namespace {
@@ -190,6 +192,25 @@ TEST(ProgressManager, HandlesOutliveIt) {
     parent->DropRef();
 }
 
+TEST(ProgressManager, HandlesHaveNoStateWithoutIt) {
+    CB_Dialog dialog(Callback, 0), named("named");
+    testing_support::RegistryDown registry;
+    ASSERT_EQ(GetProgressMgr(), nullptr);
+    g_callback.clear();
+    for (const bool again : {false, true}) {
+        if (again) registry.BringBack();
+        EXPECT_EQ(GetProgressMgr() != nullptr, again);
+        EXPECT_EQ(dialog.GetEventID(), 0xFFFFFFFFu) << "also when a new manager has come";
+        dialog.Step(1);
+        EXPECT_EQ(dialog.GetCurrStep(), 0);
+        EXPECT_TRUE(dialog.CanRun(1000000));
+        EXPECT_EQ(CB_Dialog(named).GetEventID() != 0xFFFFFFFFu, again);
+    }
+    EXPECT_EQ(g_callback, "0,1,null 6,0,null 6,0,null 0,1,null 6,0,null 6,0,null ");
+    named = CB_Dialog("named");
+    EXPECT_NE(named.GetEventID(), 0xFFFFFFFFu);
+}
+
 TEST(ProgressCancel, StaysUntilSomethingTakesItBack) {
     static constexpr struct {
         const char* name;
@@ -305,7 +326,7 @@ TEST(ProgressObservers, ComeAndGoWhileTheyAreTold) {
 class ProgressTime : public testing::Test {
 protected:
     ~ProgressTime() override { platform::ShiftFileTime(0); }
-    // Moves the clock to so many milliseconds after the test began, and half a millisecond more for slow machines.
+    // Moves the clock to so many milliseconds from the present.
     static void At(std::int64_t milliseconds) { platform::ShiftFileTime(milliseconds * 10000); }
 };
 
@@ -344,6 +365,12 @@ TEST_F(ProgressTime, ClockJumpsChangeNothing) {
         dialog.UpdateTimeStats();
         EXPECT_EQ(dialog.GetSecondsRemaining(), 0u) << jump;
     }
+    At(std::int64_t{0x40000000} * 1000);
+    dialog.UpdateTimeStats();
+    EXPECT_EQ(dialog.GetSecondsRemaining(), 0xC0000000u);
+    At(std::int64_t{0x80000001} * 1000);
+    dialog.UpdateTimeStats();
+    EXPECT_EQ(dialog.GetSecondsRemaining(), 0xC0000000u) << "too long since the start";
 }
 
 TEST_F(ProgressTime, StartsWithTheStepsAndAtEachReset) {

@@ -42,8 +42,11 @@ TEST(MemoryHandle, AccessModeDecidesWhatIsAllowed) {
     static constexpr struct {
         eAccessMode access;
         bool reads, writes;
-    } kCases[] = {{eAccessRead, true, false},     {eAccessWrite, false, true},    {eAccessAppend, true, true},
-                  {eAccessReadWrite, true, true}, {eAccessNone, false, false}};
+    } kCases[] = {{eAccessRead, true, false},
+                  {eAccessWrite, false, true},
+                  {eAccessAppend, true, true},
+                  {eAccessReadWrite, true, true},
+                  {eAccessNone, false, false}};
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.access);
         COrvFileHandleMemory handle("abc", 3, true, c.access);

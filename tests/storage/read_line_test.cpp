@@ -52,8 +52,18 @@ TEST(ReadLine, EndsLinesAndKeepsTheirTexts) {
         {"what does not fit is skipped", "abcdefghij\nnext\n", 8, {"abcdefg", "next"}},
         {"exactly fitting", "abcdefg\nnext\n", 8, {"abcdefg", "next"}},
         {"a final line that does not fit", "ab\ncdefghijklm", 4, {"ab", "cde"}},
-        {"0xFF ends a line where no feed is unread", "ab\xFF" "cd", 20, {"ab", "cd"}},
-        {"but not before an unread feed", "ab\xFF" "cd\nef", 20, {"ab\xFF" "cd", "ef"}},
+        {"0xFF ends a line where no feed is unread",
+         "ab\xFF"
+         "cd",
+         20,
+         {"ab", "cd"}},
+        {"but not before an unread feed",
+         "ab\xFF"
+         "cd\nef",
+         20,
+         {"ab\xFF"
+          "cd",
+          "ef"}},
         {"over many blocks", "0123456789\n0123456789\n0123456789\n", 20, {"0123456789", "0123456789", "0123456789"}},
         {"longer than a block: in pieces", "0123456789abcdefXYZ\nn\n", 40, {"0123456789abcdef", "XYZ", "n"}},
     };
@@ -65,7 +75,9 @@ TEST(ReadLine, EndsLinesAndKeepsTheirTexts) {
 }
 
 TEST(ReadLine, ReadsUnitsOfSixteenBits) {
-    const char16_t text[] = u"Zürich\r\nŁódź\n\xFFFF" u"x";
+    const char16_t text[] =
+        u"Zürich\r\nŁódź\n\xFFFF"
+        u"x";
     COrvFileHandleMemory handle(text, sizeof text - 2, true, eAccessRead);
     char16_t line[16];
     EXPECT_EQ(handle.ReadLine(line, 16), nullptr) << "not open";

@@ -15,6 +15,7 @@ namespace {
 
 TEST(MatchQuality, Grades) {
     static const std::string longName = std::string(600, 'x') + " Main";
+    static const std::string middling = std::string(300, 'x') + " Main";
     static const struct {
         const char* input;
         const char* display;
@@ -37,6 +38,7 @@ TEST(MatchQuality, Grades) {
         {"\xC3\xB6st", "\xC3\x96sterreich", MQ_PREFIX},
         {"main", longName.c_str(), MQ_WORD_START},
         {"xmain", longName.c_str(), MQ_NONE},  // sanitized texts end before it
+        {"xmain", middling.c_str(), MQ_NONE},
     };
     for (const auto& c : kCases) EXPECT_EQ(GetTypeAheadMatchQuality(c.input, c.display), c.expected) << c.input;
 }

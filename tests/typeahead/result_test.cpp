@@ -42,7 +42,9 @@ TEST(TypeAheadResult, IdentityOrder) {
 
 TEST(TypeAheadResult, LivesWithItsReferencesAndOutlivesItsSource) {
     auto* const source = new ScriptedSource(7);
-    auto* const result = new StringResult("Main", "pin", -3, true, source, "key");
+    const ORVustring name("Main");
+    auto* const result = new StringResult(name, "pin", -3, true, source, "key");
+    EXPECT_NE(result->GetDisplayString().c_str(), name.c_str());  // storage of its own
     source->Delete();
     EXPECT_EQ(result->ObtainRef(), 1);
     EXPECT_EQ(result->ObtainRef(), 2);
@@ -56,7 +58,7 @@ TEST(TypeAheadResult, LivesWithItsReferencesAndOutlivesItsSource) {
     auto* const copy = new StringResult(*result);
     EXPECT_EQ(copy->ObtainRef(), 1);
     EXPECT_EQ(copy->Compare(*result), 0);
-    EXPECT_NE(copy->GetDisplayString().c_str(), result->GetDisplayString().c_str());  // storage of its own
+    EXPECT_NE(copy->GetDisplayString().c_str(), result->GetDisplayString().c_str());
     EXPECT_EQ(copy->ReleaseRef(), 0);
     EXPECT_EQ(result->ReleaseRef(), 1);
     EXPECT_EQ(result->ReleaseRef(), 0);

@@ -13,8 +13,8 @@ namespace platform {
 struct MutexObject;
 }
 
-/// Critical section: recursive for the thread that holds it, within one process. Uncontended Enter and Exit stay in user
-/// space; a blocked thread sleeps in the operating system.
+/// Critical section: recursive for the thread that holds it, within one process. Uncontended Enter and Exit stay in
+/// user space; a blocked thread sleeps in the operating system.
 class DORVUTIL_API critSec {
 public:
     critSec() = default;

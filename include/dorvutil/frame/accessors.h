@@ -37,9 +37,9 @@ DORVUTIL_API ORVUtilGlobals* GetORVUtilGlobals();
 DORVUTIL_API COrvCacheMgr* GetCacheMgr();
 DORVUTIL_API CORVStringAllocator* GetStringAllocator();
 DORVUTIL_API CallbackMgr* GetCallbackMgr();
-DORVUTIL_API COrvSMSHandler* GetSMSHandler();          ///< Always null.
-DORVUTIL_API COrvMMSHandler* GetMMSHandler();          ///< Always null.
-DORVUTIL_API CPhoneCallMonitor* GetPhoneCallMonitor(); ///< Always null.
+DORVUTIL_API COrvSMSHandler* GetSMSHandler();           ///< Always null.
+DORVUTIL_API COrvMMSHandler* GetMMSHandler();           ///< Always null.
+DORVUTIL_API CPhoneCallMonitor* GetPhoneCallMonitor();  ///< Always null.
 DORVUTIL_API CLogMgr* GetLogMgr();
 DORVUTIL_API COrvGSensor* GetGSensor();
 DORVUTIL_API CTimeZoneUtil* GetTimeZoneUtil();

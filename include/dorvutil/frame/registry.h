@@ -18,8 +18,8 @@ struct HardwareInfo {
     bool m_secondFlag = false;
 };
 
-/// The process-wide registry: owns every manager, creates them together in a fixed order on the first accessor call, and
-/// destroys them in a fixed order when the last reference goes or the library is unloaded. One instance exists
+/// The process-wide registry: owns every manager, creates them together in a fixed order on the first accessor call,
+/// and destroys them in a fixed order when the last reference goes or the library is unloaded. One instance exists
 /// (GetORVUtilGlobals). Accessors may be called from any thread; see frame/accessors.h for when they answer null.
 class DORVUTIL_API ORVUtilGlobals : public StaticDataHolder {
 public:
@@ -70,7 +70,8 @@ public:
     void SetHardwareInfo(const HardwareInfo& info) { m_hardwareInfo = info; }
     /// A writable empty text, shared by everybody: it must stay empty.
     char* GetNullCString() { return &m_nullCString; }
-    /// Takes ownership of `producer` and lets go of the one before it without destroying it (it may be showing a screen).
+    /// Takes ownership of `producer` and lets go of the one before it without destroying it (it may be showing a
+    /// screen).
     void SetMessageScreenProducer(MessageScreenProducer* producer) { m_messageScreenProducer = producer; }
 
     /// Makes `id` the user-interface thread; returns the id before it (0xFFFFFFFF at first).
@@ -82,9 +83,9 @@ public:
     void SignalStartupFinished();
 
     /// Shows a message and returns the button pressed: through the host's producer when `useProducer` is set, one is
-    /// installed and the user interface is ready, else as a system message box with `type` as its style. With `quit` the
-    /// producer's screen posts a quit request with code -1 and raises message 0; the message box ends the process with
-    /// exit code -1 and does not return.
+    /// installed and the user interface is ready, else as a system message box with `type` as its style. With `quit`
+    /// the producer's screen posts a quit request with code -1 and raises message 0; the message box ends the process
+    /// with exit code -1 and does not return.
     std::int32_t MessageScreen(const ORVustring& text, bool quit, const ORVustring& caption, std::uint32_t type,
                                bool useProducer);
 

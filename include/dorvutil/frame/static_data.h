@@ -24,10 +24,11 @@ public:
     StaticDataHolder& operator=(const StaticDataHolder&) = delete;
     virtual ~StaticDataHolder();  ///< A derived class tears itself down in its own destructor.
 
-    virtual const char* Name() = 0;      ///< Lives as long as the program.
-    virtual void AddDependencies() = 0;  ///< Obtains what this holder needs; called under the lock by the first ObtainRef.
-    virtual bool Initialize() = 0;       ///< Builds the data; the holder counts as initialised whatever it answers.
-    virtual bool Teardown() = 0;         ///< Destroys the data.
+    virtual const char* Name() = 0;  ///< Lives as long as the program.
+    virtual void
+    AddDependencies() = 0;          ///< Obtains what this holder needs; called under the lock by the first ObtainRef.
+    virtual bool Initialize() = 0;  ///< Builds the data; the holder counts as initialised whatever it answers.
+    virtual bool Teardown() = 0;    ///< Destroys the data.
 
     /// Adds a reference. The first one lifts a tear-down, obtains the dependencies and asks for the holder's own log.
     void ObtainRef();
@@ -64,8 +65,8 @@ private:
     std::atomic<bool> m_tornDown{false};
     bool m_initializing = false;
     ListMgr<StaticDataHolder> m_dependencies{false, 10};  // not owned
-    critSec m_lock;                            // guards everything above
-    UnitTestMgr* m_unitTests = nullptr;        // owned
+    critSec m_lock;                                       // guards everything above
+    UnitTestMgr* m_unitTests = nullptr;                   // owned
 };
 
 /// The holder a client declares to say which holders it needs for as long as it lives: it references itself at

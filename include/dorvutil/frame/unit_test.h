@@ -5,7 +5,8 @@
 #include "dorvutil/frame/export.h"
 #include "dorvutil/memory/vector.h"
 
-/// Self-tests that travel inside the library, so that a host can check the build it was given on the machine it runs on.
+/// Self-tests that travel inside the library, so that a host can check the build it was given on the machine it runs
+/// on.
 namespace dorvutil {
 
 /// A registry of named self-test cases. Not synchronised.

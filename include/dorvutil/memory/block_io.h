@@ -10,9 +10,9 @@ namespace dorvutil {
 class COrvFileHandleBase;
 class ORVustring;
 
-/// How vectors and strings reach files: declared here, below the text and storage layers, and defined in the storage layer.
-/// Every function first asks for the file manager; without one, as with a null handle, it transfers nothing and gives
-/// 0, false or null.
+/// How vectors and strings reach files: declared here, below the text and storage layers, and defined in the storage
+/// layer. Every function first asks for the file manager; without one, as with a null handle, it transfers nothing and
+/// gives 0, false or null.
 namespace block_io {
 
 /// The handle's length in bytes; 0 when it cannot tell.

@@ -71,8 +71,8 @@ private:
         bool m_taken = false;
     };
 
-    Slot m_slots[16];
-    bool m_flag = false;
+    [[maybe_unused]] Slot m_slots[16];
+    [[maybe_unused]] bool m_flag = false;
     std::uint32_t m_size;
 };
 

@@ -88,9 +88,9 @@ private:
     BlockStruct m_geometry;
     HeapBlock* m_available = nullptr;  // fullest first
     bool m_dedicated = false;
-    HeapBlock** m_lastOf = nullptr;      // the last available block of each used count; made with the first block
-    std::uint64_t m_reciprocal;          // replaces the division by the element size; 0: blocks too large for it
-    double m_indexPerByte = 0.0;  // blocks per byte between the lowest and the highest one
+    HeapBlock** m_lastOf = nullptr;  // the last available block of each used count; made with the first block
+    std::uint64_t m_reciprocal;      // replaces the division by the element size; 0: blocks too large for it
+    double m_indexPerByte = 0.0;     // blocks per byte between the lowest and the highest one
     std::uint32_t m_live = 0;
 };
 

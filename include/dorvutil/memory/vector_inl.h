@@ -89,16 +89,19 @@ void TVector<T>::SetDefault(const T& value) {
 
 template <class T>
 inline std::int32_t TVector<T>::Add(const T& item) {
+    const T value = item;  // the caller's variable never leaves its register for the call below
     const std::uint32_t count = m_array.m_count;
-    if (count >= m_array.m_capacity) [[unlikely]]
-        return Add(&item, 1);
-    Elements()[count] = item;
+    if (count >= m_array.m_capacity) [[unlikely]] {
+        return m_array.Insert(&value, count, 1, Rule()) < 0 ? -1 : static_cast<std::int32_t>(count + 1);
+    }
+    Elements()[count] = value;
     m_array.m_count = count + 1;
     return static_cast<std::int32_t>(count + 1);
 }
 
 template <class T>
-std::int32_t TVector<T>::Add(const T* items, std::uint32_t n) {
+inline std::int32_t TVector<T>::Add(const T* items, std::uint32_t n) {
+    if (n == 1 && items) return Add(*items);
     return m_array.Insert(items, Count(), n, Rule()) < 0 ? -1 : static_cast<std::int32_t>(Count());
 }
 

@@ -59,11 +59,11 @@ public:
     const ORVustring& Path() const { return m_path; }
     eAccessMode AccessMode() const { return m_access; }
 
-    /// Reads the next line into `buffer` (`size` characters, the terminator included) and returns it; null at the end of
-    /// the file, on a handle that is not open, or for a buffer without room. A line ends at a line feed, which is not kept
-    /// and neither is a carriage return before it; in a stretch without a line feed also at a character of all bits set.
-    /// What does not fit is skipped, except in a line longer than the block, whose rest is delivered by further calls.
-    /// Reads the file in blocks: call ResetReadLineBuffer after seeking, and do not mix the two widths.
+    /// Reads the next line into `buffer` (`size` characters, the terminator included) and returns it; null at the end
+    /// of the file, on a handle that is not open, or for a buffer without room. A line ends at a line feed, which is
+    /// not kept and neither is a carriage return before it; in a stretch without a line feed also at a character of all
+    /// bits set. What does not fit is skipped, except in a line longer than the block, whose rest is delivered by
+    /// further calls. Reads the file in blocks: call ResetReadLineBuffer after seeking, and do not mix the two widths.
     char* ReadLine(char* buffer, std::uint32_t size);
     char16_t* ReadLine(char16_t* buffer, std::uint32_t size);
     /// Forgets what was read ahead for ReadLine, in both widths.

@@ -8,8 +8,8 @@
 
 namespace dorvutil {
 
-/// A file on disk. Flush commits what was written to the disk itself when the file was opened for writing. Positions and
-/// lengths that do not fit 31 bits are reported as -1. Objects live in the registry's pool while it is set up.
+/// A file on disk. Flush commits what was written to the disk itself when the file was opened for writing. Positions
+/// and lengths that do not fit 31 bits are reported as -1. Objects live in the registry's pool while it is set up.
 class DORVUTIL_API COrvFileHandleStdio : public COrvFileHandleBase {
 public:
     COrvFileHandleStdio(const ORVustring& path, eAccessMode access, eBinaryMode binary, std::uint32_t flags,
@@ -36,7 +36,7 @@ private:
     enum class Direction { kNone, kReading, kWriting };
     void Turn(Direction direction);
 
-    std::FILE* m_stream = nullptr;               // null when closed
+    std::FILE* m_stream = nullptr;             // null when closed
     Direction m_direction = Direction::kNone;  // of the last transfer: the runtime wants a seek between the two
 };
 

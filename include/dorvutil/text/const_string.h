@@ -1,5 +1,6 @@
 #pragma once
 
+#include "dorvutil/text/string.h"
 
 /// Strings over literals.
 namespace dorvutil {

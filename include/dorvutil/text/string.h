@@ -230,5 +230,4 @@ inline const char* ORVwstring::c_str(bool emptyAsNull) const { return uString().
 
 }  // namespace dorvutil
 
-#include "dorvutil/text/const_string.h"
 #include "dorvutil/text/string_list.h"

@@ -122,7 +122,9 @@ private:
 template <class T>
 class DORVUTIL_API ConstStringGuts : public StringGuts<T>, private OrvEmptyClass<ConstStringGuts<T>> {
 public:
-    constexpr explicit ConstStringGuts(const T* literal) noexcept : ConstStringGuts(literal, GutsSource::kLiteral) {}
+    constexpr explicit ConstStringGuts(const T* literal) noexcept
+        : StringGuts<T>(const_cast<T*>(literal), LengthOf(literal),
+                        static_cast<std::uint16_t>((LengthOf(literal) + 7u) & ~7u), GutsSource::kLiteral) {}
 
     StringGuts<T>* share() const override;  ///< This block, uncounted.
     void release() override;                ///< Nothing.
@@ -132,18 +134,22 @@ private:
     friend class StringGuts<T>;
     friend class TOrvString<T>;
 
+    struct EmptyTag {};
     static ConstStringGuts s_empty;  // never written
 
-    // Inlined because g++ 12 leaves it out of the explicit instantiation.
-    [[gnu::always_inline]] constexpr ConstStringGuts(const T* literal, GutsSource source) noexcept
-        : StringGuts<T>(const_cast<T*>(literal), LengthOf(literal),
-                        static_cast<std::uint16_t>((LengthOf(literal) + 7u) & ~7u), source) {}
+    constexpr ConstStringGuts(EmptyTag, const T* terminator) noexcept
+        : StringGuts<T>(const_cast<T*>(terminator), 0, 0, GutsSource::kEmpty) {}
     static constexpr std::uint16_t LengthOf(const T* literal) noexcept {
         std::uint16_t n = 0;
         while (literal != nullptr && n < StringGuts<T>::kMaxCapacity && literal[n] != T{}) ++n;
         return n;
     }
 };
+
+template <>
+DORVUTIL_API ConstStringGuts<char> ConstStringGuts<char>::s_empty;
+template <>
+DORVUTIL_API ConstStringGuts<char16_t> ConstStringGuts<char16_t>::s_empty;
 
 extern template class StringGuts<char>;
 extern template class StringGuts<char16_t>;

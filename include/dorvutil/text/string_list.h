@@ -1,10 +1,9 @@
 #pragma once
 
 #include "dorvutil/memory/list.h"
-#include "dorvutil/text/string.h"
 
-/// How the containers treat strings: an owning list of strings copies what is added to it, and sorted lists order by
-/// TOrvString::compare.
+/// Included by text/string.h alone. How the containers treat strings: an owning list of strings copies what is added to
+/// it, and sorted lists order by TOrvString::compare.
 namespace dorvutil {
 
 template <class T>

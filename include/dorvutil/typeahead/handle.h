@@ -108,8 +108,9 @@ private:
     bool TakeReport(TypeAheadSearchParams& params, bool& changed, bool& all);
     bool HasOrdinaryResult() const;
     bool NextInput(const TypeAheadSearchParams& params, bool changed, bool all, ORVustring& input);
-    bool ClaimForChange(TypeAheadSource* source, TypeAheadSearchParams& params, std::uint32_t& serial);
-    void SearchAgain(TypeAheadSource* source, const TypeAheadSearchParams& params, std::uint32_t serial);
+    bool EnterChange();
+    bool ClaimForChange(TypeAheadSource* source, TypeAheadSearchParams& params);
+    void Reload(TypeAheadSource* source, bool flush, const TypeAheadSearchParams& params);
     bool JoinSearch(TypeAheadSource* source, TypeAheadSearchParams& params, std::uint32_t& serial);
     std::uint32_t Serial() const;
     void Quiesce(bool cancelSearches, bool cancelPreloads);
@@ -140,7 +141,7 @@ private:
     TVector<TypeAheadSource*> m_awaited;           // sources whose report is due; under m_paramLock
     TVector<TypeAheadSource*> m_reported;          // sources done with the current text; under m_paramLock
     std::uint32_t m_serial = 0;                    // number of searches queued; under m_paramLock
-    mutable critSec m_callLock;                    // one thread at a time starts a search; no worker waits for it
+    mutable critSec m_callLock;                    // one thread at a time starts a search or takes in a change
     mutable critSec m_queueLock;                   // the newest parameters are the last ones queued
     std::atomic<std::uint32_t> m_preloadEpoch{0};  // of the preload worker, at the last StartPreload
     std::atomic<std::int32_t> m_visitors{0};       // threads inside OnDataChanged

@@ -28,9 +28,7 @@ bool Holds(const Numbers& numbers, std::initializer_list<std::int32_t> expected)
 }
 
 bool VectorAddGrowsByHalf() {
-    static constexpr struct {
-        std::uint32_t count, capacity;
-    } kSteps[] = {{1, 8}, {8, 8}, {9, 12}, {13, 18}, {19, 27}};
+    static constexpr struct { std::uint32_t count, capacity; } kSteps[] = {{1, 8}, {8, 8}, {9, 12}, {13, 18}, {19, 27}};
     Numbers numbers;
     for (const auto& step : kSteps) {
         const std::int32_t value = 7;

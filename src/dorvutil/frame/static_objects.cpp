@@ -1,5 +1,5 @@
-// Every static object of the library that needs construction, in the order of construction; at unload they go in reverse
-// order, the registry last. No other file may have one.
+// Every static object of the library that needs construction, in the order of construction; at unload they go in
+// reverse order, the registry last. No other file may have one.
 #include <bit>
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,7 @@
 #include "dorvutil/memory/pool.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstring>
 #include <limits>
@@ -52,6 +53,16 @@ public:
 private:
     const CCustomSync& m_lock;
 };
+
+// Blocks that pools have forgotten, linked by their heads: kept for good, and in sight of leak checkers.
+constinit std::atomic<HeapBlock*> g_forgotten{nullptr};
+
+void Remember(HeapBlock* block) {
+    HeapBlock* before = g_forgotten.load(std::memory_order_relaxed);
+    do {
+        block->m_next = before;
+    } while (!g_forgotten.compare_exchange_weak(before, block, std::memory_order_release, std::memory_order_relaxed));
+}
 
 static_assert(std::endian::native == std::endian::little, "bits are counted through 64-bit words");
 
@@ -179,6 +190,7 @@ bool Allocator::Dedicate() {
 
 void Allocator::Cleanup() {
     const Guard lock(*this);
+    for (HeapBlock* const block : m_blocks) Remember(block);
     m_blocks.Flush();
     m_available = nullptr;
     m_live = 0;
@@ -302,7 +314,7 @@ std::uint32_t Allocator::FindHeapIndex(const void* p, bool forInsert) const {
     while (n != 0) {
         const std::uint32_t half = (n + 1) / 2;
         const bool higher = reinterpret_cast<std::uintptr_t>(blocks[above + half - 1]) <= address;
-        above += higher ? half : 0;
+        above += half & (0 - static_cast<std::uint32_t>(higher));  // no branch: its outcome is a coin toss
         n -= half;
     }
     return forInsert ? above : above - 1;

@@ -8,9 +8,9 @@ namespace dorvutil::platform {
 struct EventObject;
 
 /// Creates a cleared event, or opens the one of that name, whose kind then stays what its creator chose (UTF-16, any
-/// characters; null or empty: anonymous). A manual-reset event stays set until it is reset and releases every waiter; an
-/// auto-reset event releases one waiter and clears itself. Null when the operating system refuses. The caller ends it
-/// with CloseEvent. A name lives as long as some process has it open; a killed process counts as having closed it.
+/// characters; null or empty: anonymous). A manual-reset event stays set until it is reset and releases every waiter;
+/// an auto-reset event releases one waiter and clears itself. Null when the operating system refuses. The caller ends
+/// it with CloseEvent. A name lives as long as some process has it open; a killed process counts as having closed it.
 EventObject* OpenEvent(bool manualReset, const char16_t* name);
 void CloseEvent(EventObject* object);
 

@@ -38,9 +38,7 @@ std::int32_t COrvFileHandleBase::StopRead() { return 0; }
 
 std::int32_t COrvFileHandleBase::StopWrite() { return 0; }
 
-char* COrvFileHandleBase::ReadLine(char* buffer, std::uint32_t size) {
-    return ReadLineFrom(m_lineBlock, buffer, size);
-}
+char* COrvFileHandleBase::ReadLine(char* buffer, std::uint32_t size) { return ReadLineFrom(m_lineBlock, buffer, size); }
 
 char16_t* COrvFileHandleBase::ReadLine(char16_t* buffer, std::uint32_t size) {
     return ReadLineFrom(m_wideLineBlock, buffer, size);

@@ -57,8 +57,8 @@ std::int32_t COrvFileHandleMemory::Close() {
 
 std::uint32_t COrvFileHandleMemory::Read(void* buffer, std::uint32_t size, std::int32_t count) {
     if (!m_open || !MayRead(m_access) || m_position >= m_bytes.Count()) return 0;
-    const auto n = static_cast<std::uint32_t>(
-        std::min<std::uint64_t>(ByteCount(size, count), m_bytes.Count() - m_position));
+    const auto n =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(ByteCount(size, count), m_bytes.Count() - m_position));
     if (n != 0) std::memcpy(buffer, m_bytes.Data() + m_position, n);
     m_position += n;
     return n;
@@ -80,10 +80,16 @@ std::int32_t COrvFileHandleMemory::Seek(std::int32_t offset, eSeekMode mode) {
     if (!m_open) return -1;
     std::int64_t base = 0;
     switch (mode) {
-        case eSeekSet: break;
-        case eSeekCur: base = m_position; break;
-        case eSeekEnd: base = m_bytes.Count(); break;
-        default: return -1;
+        case eSeekSet:
+            break;
+        case eSeekCur:
+            base = m_position;
+            break;
+        case eSeekEnd:
+            base = m_bytes.Count();
+            break;
+        default:
+            return -1;
     }
     const std::int64_t target = base + offset;
     if (target < 0 || target > kMaxPosition) return -1;

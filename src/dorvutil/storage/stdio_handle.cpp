@@ -13,20 +13,29 @@ namespace {
 
 std::optional<platform::StreamMode> StreamModeOf(eAccessMode access) {
     switch (access) {
-        case eAccessRead: return platform::StreamMode::kRead;
-        case eAccessWrite: return platform::StreamMode::kWrite;
-        case eAccessAppend: return platform::StreamMode::kAppend;
-        case eAccessReadWrite: return platform::StreamMode::kReadWrite;
-        default: return std::nullopt;
+        case eAccessRead:
+            return platform::StreamMode::kRead;
+        case eAccessWrite:
+            return platform::StreamMode::kWrite;
+        case eAccessAppend:
+            return platform::StreamMode::kAppend;
+        case eAccessReadWrite:
+            return platform::StreamMode::kReadWrite;
+        default:
+            return std::nullopt;
     }
 }
 
 std::optional<int> OriginOf(eSeekMode mode) {
     switch (mode) {
-        case eSeekSet: return SEEK_SET;
-        case eSeekCur: return SEEK_CUR;
-        case eSeekEnd: return SEEK_END;
-        default: return std::nullopt;
+        case eSeekSet:
+            return SEEK_SET;
+        case eSeekCur:
+            return SEEK_CUR;
+        case eSeekEnd:
+            return SEEK_END;
+        default:
+            return std::nullopt;
     }
 }
 

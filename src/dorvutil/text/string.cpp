@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "dorvutil/text/const_string.h"
 #include "dorvutil/text/encoding.h"
 #include "dorvutil/text/string_storage.h"
 

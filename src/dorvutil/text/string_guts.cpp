@@ -9,8 +9,10 @@
 
 namespace dorvutil {
 
-template <class T>
-constinit ConstStringGuts<T> ConstStringGuts<T>::s_empty(&TOrvString<T>::m_NULL, GutsSource::kEmpty);
+template <>
+constinit ConstStringGuts<char> ConstStringGuts<char>::s_empty(EmptyTag(), &TOrvString<char>::m_NULL);
+template <>
+constinit ConstStringGuts<char16_t> ConstStringGuts<char16_t>::s_empty(EmptyTag(), &TOrvString<char16_t>::m_NULL);
 
 template <class T>
 StringGuts<T>* StringGuts<T>::Empty() noexcept {

@@ -1,3 +1,4 @@
+#include "dorvutil/platform/clock.h"
 #include "dorvutil/text/utf8.h"
 #include "dorvutil/typeahead/handle.h"
 #include "dorvutil/typeahead/private_text.h"
@@ -162,26 +163,40 @@ std::uint32_t TypeAheadSearchHandle::Serial() const {
 
 void TypeAheadSearchHandle::OnDataChanged(TypeAheadSource* source, bool flush) {
     ++m_visitors;
-    TypeAheadSearchParams params;
-    std::uint32_t serial = 0;
-    if (source && !Ignoring() && ClaimForChange(source, params, serial)) {
-        m_pPreloadThread->Remove(source);
-        m_pSearchThread->Remove(source, flush);
-        if (flush) FlushResults(source->GetSourceID(), true);
-        source->ClearPreloadFlag();
-        SearchAgain(source, params, serial);
+    if (source && !Ignoring()) {
+        TypeAheadSearchParams params;
+        // Under the call lock no search of this handle can begin between the claim and the new preload.
+        if (!EnterChange()) {
+            const TScopedLock<critSec> lock(m_paramLock);
+            m_dataChanged = true;
+        } else {
+            if (ClaimForChange(source, params)) Reload(source, flush, params);
+            m_callLock.Exit();
+        }
     }
     --m_visitors;
+}
+
+// Waits for up to 10 ms, less inside a unit: what it waits for may be this unit's end. True with the call lock held;
+// false when it cannot be had in time, because a search is being started or another change taken in: both lead to a
+// search that will be repeated when it completes.
+bool TypeAheadSearchHandle::EnterChange() {
+    const bool mayWait = TypeAheadPreloadWorkUnit::MayWait();
+    const std::uint32_t start = platform::TickCount();
+    if (mayWait) m_completion.WaitForEvent(kChangeWaitMs);
+    const event never;
+    while (!m_callLock.TryLock()) {
+        if (!mayWait || platform::TickCount() - start >= kChangeWaitMs) return false;
+        never.WaitForEvent(1);
+    }
+    return true;
 }
 
 // True when no search of this handle is under way: then one is from now on, that of this source alone. Otherwise the
 // one under way will be repeated. Reports may be due that will never come, of sources whose preload failed or whose
 // search another handle cancelled: when both workers have nothing to do, nothing is under way.
-bool TypeAheadSearchHandle::ClaimForChange(TypeAheadSource* source, TypeAheadSearchParams& params,
-                                           std::uint32_t& serial) {
-    const bool inside = !TypeAheadSearchWorkUnit::MayWait();
-    if (!inside) m_completion.WaitForEvent(kChangeWaitMs);
-    const bool inItsSearch = inside && m_pSearchThread->Current() == source;
+bool TypeAheadSearchHandle::ClaimForChange(TypeAheadSource* source, TypeAheadSearchParams& params) {
+    const bool inItsSearch = !TypeAheadSearchWorkUnit::MayWait() && m_pSearchThread->Current() == source;
     const bool queueing = !m_queueLock.TryLock();
     const bool idle = !queueing && m_pSearchThread->IsComplete() && m_pPreloadThread->IsComplete();
     const TScopedLock<critSec> lock(m_paramLock);
@@ -198,17 +213,15 @@ bool TypeAheadSearchHandle::ClaimForChange(TypeAheadSource* source, TypeAheadSea
     }
     m_pendingSources = m_sources.Count();
     params = m_params;
-    serial = m_serial;
     return true;
 }
 
-// When the user's text has changed since, its search is the newer one.
-void TypeAheadSearchHandle::SearchAgain(TypeAheadSource* source, const TypeAheadSearchParams& params,
-                                        std::uint32_t serial) {
-    if (params.HasPeeledLetters() && EnterCall()) {
-        if (Serial() == serial) StartSearch(params.m_originalInput, false);
-        m_callLock.Exit();
-    }
+void TypeAheadSearchHandle::Reload(TypeAheadSource* source, bool flush, const TypeAheadSearchParams& params) {
+    m_pPreloadThread->Remove(source);
+    m_pSearchThread->Remove(source, flush);
+    if (flush) FlushResults(source->GetSourceID(), true);
+    source->ClearPreloadFlag();
+    if (params.HasPeeledLetters()) StartSearch(params.m_originalInput, false);
     const TypeAheadPreloadThread::Suspension suspension(m_control == STC_SYNCHRONOUS ? m_pPreloadThread : nullptr);
     m_pPreloadThread->Add(source, this);
     m_pPreloadThread->StartPreload(m_control);

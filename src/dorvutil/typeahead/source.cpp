@@ -1,5 +1,7 @@
 #include "dorvutil/typeahead/source.h"
 
+#include "dorvutil/typeahead/result.h"
+
 namespace dorvutil {
 
 TypeAheadSource::TypeAheadSource(TypeAheadSourceID id) : m_id(id) {}
@@ -45,7 +47,9 @@ void TypeAheadSource::OnDataChanged(bool flush) {
     if (TypeAheadSourceObserver* const observer = m_observer) observer->OnDataChanged(this, flush);
 }
 
+// Held meanwhile: a result that nobody takes, as of a cancelled search, ends here.
 void TypeAheadSource::ReportResult(TypeAheadResult* result) {
+    const TLocker<TypeAheadResult> held(result);
     if (TypeAheadSourceObserver* const observer = m_observer) observer->OnNewResult(result);
 }
 

@@ -196,8 +196,9 @@ TypeAheadSearchThread::TypeAheadSearchThread() : TTypeAheadThread("TypeAheadSear
 
 TypeAheadSearchThread::~TypeAheadSearchThread() { EndWorker(); }
 
+// Without pausing: the queue's lock keeps the worker from meeting half an addition, and who reports a change of data or
+// ends a preload would have to wait for a search that may be long.
 void TypeAheadSearchThread::AddSearch(TypeAheadSource* source, TypeAheadSearchParams& params) {
-    PauseUntilIdle();
     Enqueue(source, new (std::nothrow) TypeAheadSearchWorkUnit{source, params});
     Resume();
 }

@@ -114,7 +114,7 @@ public:
     TypeAheadSearchThread();
     ~TypeAheadSearchThread() override;
 
-    /// Queues one source, letting the unit in progress finish first, and lets the worker go on.
+    /// Queues one source and lets the worker go on. Does not wait for the unit in progress.
     void AddSearch(TypeAheadSource* source, TypeAheadSearchParams& params);
     /// Queues all sources; StartSearch lets them begin. A preparation is queued only when there is no other work.
     /// Whether anything was queued.

@@ -11,7 +11,7 @@
 namespace dorvutil {
 
 /// Units that the calling thread is inside of. Whoever is inside one must not wait for its worker; and since a preload
-/// that has finished waits for the search worker, a search must not wait for the preload worker either.
+/// may wait for a search to end, a search must not wait for the preload worker either.
 struct TypeAheadUnitDepth {
     std::int32_t search = 0;
     std::int32_t preload = 0;
