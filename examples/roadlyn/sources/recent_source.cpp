@@ -8,6 +8,8 @@ namespace roadlyn {
 void RecentSource::Remember(const Choice& choice) {
     if (m_path.empty()) throw InputError("recent choices", 0, "no home directory to keep them in; use --recent");
     RememberChoice(m_path, choice);
+    // The places may be searched again before this source is loaded again, and go by what was chosen.
+    Board().SetChoices(std::make_shared<const std::vector<Choice>>(ReadRecentFile(m_path)));
     OnDataChanged(true);
 }
 
