@@ -105,6 +105,7 @@ TEST(DependencyHolder, HoldsWhatItWasGivenUntilItDies) {
         DependencyHolder client;
         EXPECT_STREQ(client.Name(), "DepHolder");
         EXPECT_TRUE(client.IsInitialized());
+        EXPECT_EQ(client.DedicatedLogId(), -1) << "there is no log manager";
         client.AddDependency(&needed);
         needed.Setup();
         EXPECT_EQ(log, "+b");

@@ -43,6 +43,8 @@ public:
     void Setup();
     /// Sets up every dependency, depth first, and then this holder.
     void SetupR();
+    /// The log of this holder alone, asked for with the first reference; -1 without a log manager.
+    std::int32_t DedicatedLogId() const { return m_dedicatedLogId; }
     bool IsInitialized() const { return m_initialized.load(std::memory_order_acquire); }
 
     /// The self-tests of this holder, set up first; null when it has none. Owned by the holder until tear-down.
@@ -59,7 +61,7 @@ private:
     bool DoInitialize();
     void ReleaseDeps(bool clearList);
 
-    std::int32_t m_dedicatedLogId = -1;  // -1: no log manager
+    std::int32_t m_dedicatedLogId = -1;
     std::uint32_t m_references = 0;
     std::atomic<bool> m_initialized{false};
     std::atomic<bool> m_tornDown{false};

@@ -42,7 +42,8 @@ constexpr char Lower(char c) { return custom_isupper(c) ? static_cast<char>(c - 
 
 bool IsAcronym(std::string_view word) {
     if (word.size() > kLongestAcronym) return false;
-    char upper[kLongestAcronym];
+    char upper[8];
+    static_assert(kLongestAcronym <= sizeof(upper));
     std::transform(word.begin(), word.end(), upper, Upper);
     return std::binary_search(std::begin(kAcronyms), std::end(kAcronyms), std::string_view(upper, word.size()));
 }
