@@ -70,7 +70,7 @@ void Churn(benchmark::State& state) {
 void VectorAdd(benchmark::State& state) {
     for (auto _ : state) {
         dorvutil::TVector<std::uint32_t> v;
-        for (std::uint32_t i = 0; i < 1000000; ++i) v.Add(&i, 1);
+        for (std::uint32_t i = 0; i < 1000000; ++i) v.Add(i);
         benchmark::DoNotOptimize(v.Data());
     }
 }

@@ -77,8 +77,6 @@ std::int32_t CWorkerThread::ThreadFunc() {
             SignalWork();  // the work that was noticed stays to be done
             continue;
         }
-        // Requests made before this line show in the flags below; later ones cut the rest short.
-        m_attentionEvent.ClearEvent();
         if (!m_stopRequested && MayRun()) Relinquish();
     }
     ThreadCleanup();
@@ -92,6 +90,8 @@ bool CWorkerThread::WorkOnce() {
     // A Pause that came and went between those two has told its caller that no work begins.
     const bool mayRun = MayRun();
     if (mayRun) {
+        // Requests made from here on, while the work goes on or after it, cut the rest behind it short.
+        m_attentionEvent.ClearEvent();
         m_idleEvent.ClearEvent();
         m_busyEvent.SignalEvent();
         ThreadDoWork();
