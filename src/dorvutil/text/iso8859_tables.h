@@ -90,7 +90,7 @@ constexpr IsoHalf MakeIso7() {
     return half;
 }
 
-/// Part 1 with six Icelandic letters replaced by Turkish ones.
+/// ISO/IEC 8859-1 with six Icelandic letters replaced by Turkish ones.
 constexpr IsoHalf MakeIso9() {
     IsoHalf half = MakeIso1();
     PutIsoRuns(half, {{0xD0, 0xD0, 0x11E},
