@@ -13,7 +13,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 LAYERS = [
     ("platform", r"^platform/"),
     ("accessors", r"^frame/(accessors|export|byte_order)\.h$"),
-    ("sync", r"^concurrency/(locks|event|sync|lockable|semaphore|object_name)\b"),
+    ("sync", r"^concurrency/(locks|event|sync|lockable|semaphore|object_name|crit_sec_inl)\b"),
     ("memory", r"^memory/"),
     ("text", r"^text/"),
     ("services", r"^(time|security|geometry)/"),

@@ -21,8 +21,8 @@ TEST(PoolGeometry, FitsHeaderBitmapAndElements) {
         std::uint32_t size, block, rounded, perBlock;
         bool large;
     } kCases[] = {
-        {92, 4096, 92, 44, false},     {16, 4096, 16, 252, false},    {1, 4096, 4, 987, false},
-        {0, 4096, 4, 987, false},      {90, 4096, 92, 44, false},     {4096, 4096, 4096, 0, false},
+        {92, 4096, 92, 44, false},     {16, 4096, 16, 252, false},    {1, 4096, 4, 986, false},
+        {0, 4096, 4, 986, false},      {90, 4096, 92, 44, false},     {4096, 4096, 4096, 0, false},
         {2000, 4096, 2000, 2, false},  {100, 0, 100, 0, false},       {0xFFFFFFFFu, 4096, 0xFFFFFFFCu, 0, false},
         {4, 0x200000, 4, 65535, true}, {8, 0x1FFFFF, 8, 65535, false}};
     for (const auto& c : kCases) {
@@ -34,7 +34,7 @@ TEST(PoolGeometry, FitsHeaderBitmapAndElements) {
         EXPECT_GE(geometry.m_bitmapSize * 8, geometry.m_elementsPerBlock);
         EXPECT_GE(geometry.m_dataOffset, geometry.m_bitmapSize);
         if (c.perBlock == 0) continue;
-        EXPECT_LE(HeapBlock::kHeaderBytes + geometry.m_dataOffset +
+        EXPECT_LE(sizeof(HeapBlock) + geometry.m_dataOffset +
                       std::uint64_t{geometry.m_elementsPerBlock} * geometry.m_elementSize,
                   c.block);
     }

@@ -27,6 +27,12 @@ public:
     void Exit() const;     ///< Only by the holder; an Exit by another thread is ignored.
 
 private:
+    friend class QuickGuard;
+    static constexpr std::uint32_t kWaiters = 0x80000000u;
+
+    bool Claim(std::uint32_t self) const;
+    void EnterInline() const;
+    void ExitInline() const;
     void EnterContended(std::uint32_t self) const;
 
     mutable std::atomic<std::uint32_t> m_word{0};  // 0 free, else the holder's thread id and the waiters bit

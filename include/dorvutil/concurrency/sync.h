@@ -62,6 +62,8 @@ public:
     }
 
 private:
+    friend class QuickGuard;
+
     void EnterOther() const;
     void ExitOther() const;
 

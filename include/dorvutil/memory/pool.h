@@ -9,14 +9,12 @@
 
 namespace dorvutil {
 
-/// Head of one block of a pool: a bitmap of the elements in use follows it (element i at bit i mod 8 of byte i / 8),
-/// then the elements.
+/// Head of one block of a pool: a bitmap of the elements in use follows it (element i at bit i mod 8 of byte i / 8;
+/// bits behind the last element are set for good), then the elements.
 struct HeapBlock {
     HeapBlock* m_next;  ///< In the available list; both links hold a mark while the block is not in it.
     HeapBlock* m_previous;
-    std::uint16_t m_used;  ///< Elements in use.
-
-    static constexpr std::size_t kHeaderBytes = 2 * sizeof(void*) + sizeof(std::uint16_t);
+    std::uint64_t m_used;  ///< Elements in use.
 
     /// Blocks are told apart by their address only.
     bool operator==(const HeapBlock&) const { return true; }
@@ -34,7 +32,7 @@ struct DORVUTIL_API BlockStruct {
     std::uint32_t m_elementSize;
     std::uint32_t m_blockSize;
     std::uint16_t m_elementsPerBlock;
-    std::uint16_t m_bitmapSize;  ///< Bytes.
+    std::uint16_t m_bitmapSize;  ///< Bytes, whole 64-bit words.
     std::uint16_t m_dataOffset;  ///< From the start of the bitmap to the first element.
     bool m_large;                ///< 2 MiB and above.
 };
@@ -65,7 +63,7 @@ public:
 
     std::uint32_t ElemSize() const { return m_geometry.m_elementSize; }
     std::uint32_t BlockSize() const { return m_geometry.m_blockSize; }
-    /// Elements in use.
+    /// Elements in use, counted block by block.
     std::uint32_t LiveCount() const;
 
 private:
@@ -81,17 +79,19 @@ private:
     std::uint32_t FindHeapIndex(const void* p, bool forInsert) const;
     void MeasureSpacing();
     HeapBlock* FindBlock(const void* p) const;
-    std::uint32_t ElementIndex(const HeapBlock* block, const void* p) const;
+    unsigned char* FirstElement(HeapBlock* block) const;
+    std::uint64_t ElementIndex(HeapBlock* block, const void* p) const;
 
     Allocator* m_parent;
     TVector<HeapBlock*> m_blocks;  // owned, sorted by address
     BlockStruct m_geometry;
-    HeapBlock* m_available = nullptr;  // fullest first
+    HeapBlock* m_available = nullptr;       // fullest first
+    mutable HeapBlock* m_recent = nullptr;  // where the last look-up ended: the next one often ends there too
     bool m_dedicated = false;
     HeapBlock** m_lastOf = nullptr;  // the last available block of each used count; made with the first block
-    std::uint64_t m_reciprocal;      // replaces the division by the element size; 0: blocks too large for it
+    int m_evenBits;                  // the element size is an odd number times 2 to this power;
+    std::uint64_t m_inverse;         // times the odd number it gives 1 modulo 2^64
     double m_indexPerByte = 0.0;     // blocks per byte between the lowest and the highest one
-    std::uint32_t m_live = 0;
 };
 
 }  // namespace dorvutil

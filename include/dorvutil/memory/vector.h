@@ -172,6 +172,7 @@ private:
     T& Scratch();
     void CopyFrom(const TVector& other);
     std::uint32_t FirstEqual(const T& key, std::uint32_t low, std::uint32_t match, Compare compare) const;
+    std::uint32_t Bisect(const T& key, bool first, Compare compare, bool& found) const;
     bool ApplyHeader(const unsigned char* bytes, bool keepDefault);
     bool ReadHeader(COrvFileHandleBase* handle, bool keepDefault, bool elementsFollow);
 

@@ -26,22 +26,32 @@ std::uint32_t TVector<T>::FirstEqual(const T& key, std::uint32_t low, std::uint3
     return match;
 }
 
+// The index of a match (with `first` the lowest), or where the key would go.
 template <class T>
-std::uint32_t TVector<T>::BinSearch(const T& key, bool first, Compare compare) const {
+std::uint32_t TVector<T>::Bisect(const T& key, bool first, Compare compare, bool& found) const {
     const T* const elements = Elements();
     std::uint32_t low = 0;
     std::uint32_t end = Count();
+    found = false;
     while (low < end) {
         const std::uint32_t mid = low + (end - 1 - low) / 2;
         const int order = compare(&key, elements + mid);
-        if (order == 0) return first ? FirstEqual(key, low, mid, compare) : mid;
-        if (order < 0) {
-            end = mid;
-        } else {
-            low = mid + 1;
+        if (order == 0) {
+            found = true;
+            return first ? FirstEqual(key, low, mid, compare) : mid;
         }
+        // Selections, not branches: which half comes next is a coin toss that no predictor wins.
+        end = order < 0 ? mid : end;
+        low = order < 0 ? low : mid + 1;
     }
-    return kVectorNotFound;
+    return end;
+}
+
+template <class T>
+std::uint32_t TVector<T>::BinSearch(const T& key, bool first, Compare compare) const {
+    bool found = false;
+    const std::uint32_t index = Bisect(key, first, compare, found);
+    return found ? index : kVectorNotFound;
 }
 
 template <class T>
@@ -53,20 +63,8 @@ bool TVector<T>::FindFirst(const T& key, Compare compare, T*& found) const {
 
 template <class T>
 std::uint32_t TVector<T>::FindInsertionIndex(const T& key, bool first, Compare compare) const {
-    const T* const elements = Elements();
-    std::uint32_t low = 0;
-    std::uint32_t end = Count();
-    while (low < end) {
-        const std::uint32_t mid = low + (end - 1 - low) / 2;
-        const int order = compare(&key, elements + mid);
-        if (order == 0) return first ? FirstEqual(key, low, mid, compare) : mid;
-        if (order < 0) {
-            end = mid;
-        } else {
-            low = mid + 1;
-        }
-    }
-    return end;
+    bool found = false;
+    return Bisect(key, first, compare, found);
 }
 
 template <class T>

@@ -62,13 +62,17 @@ public:
     bool operator==(const T* s) const {
         return s == nullptr ? empty() : LengthOf(s) == length() && SameUnits(s, length());
     }
-    bool operator<(const TOrvString& other) const { return compare(other) < 0; }
-    bool operator<(const T* s) const { return compare(s) < 0; }
-    bool operator>(const TOrvString& other) const { return compare(other) > 0; }
-    bool operator>(const T* s) const { return compare(s) > 0; }
+    bool operator<(const TOrvString& other) const { return Order(Text(), other.Text()) < 0; }
+    bool operator<(const T* s) const { return Order(Text(), s ? s : &m_NULL) < 0; }
+    bool operator>(const TOrvString& other) const { return Order(Text(), other.Text()) > 0; }
+    bool operator>(const T* s) const { return Order(Text(), s ? s : &m_NULL) > 0; }
 
     /// Positions, or -1. An empty `s` is found at `start` (find) and at the last unit (rfind).
-    std::int32_t find(const T* s, std::uint32_t start = 0, bool ignoreCase = false) const;
+    std::int32_t find(const T* s, std::uint32_t start = 0, bool ignoreCase = false) const {
+        return s == nullptr || start >= length() ? -1
+               : ignoreCase                      ? FindNoCase(s, start)
+                                                 : FindUnits(s, LengthOf(s), start);
+    }
     std::int32_t findi(const T* s, std::uint32_t start = 0) const { return find(s, start, true); }
     std::int32_t rfind(const T* s, bool ignoreCase = false) const;
     std::int32_t find_first_of(T c, std::uint32_t start = 0) const;  ///< Character 0 is found at the terminator.
@@ -202,6 +206,17 @@ protected:
 private:
     static std::size_t LengthOf(const T* s) { return std::char_traits<T>::length(s); }
     bool SameUnits(const T* s, std::uint32_t n) const { return std::memcmp(Text(), s, n * sizeof(T)) == 0; }
+    // As compare, of two texts that are not null.
+    static std::int32_t Order(const T* a, const T* b) {
+        if constexpr (sizeof(T) == 1) {
+            return std::strcmp(a, b);
+        } else {
+            while (*a == *b && *a != 0) ++a, ++b;
+            return *a < *b ? -1 : *a > *b;
+        }
+    }
+    std::int32_t FindUnits(const T* s, std::size_t n, std::uint32_t start) const;  // start < length
+    std::int32_t FindNoCase(const T* s, std::uint32_t start) const;
     static Guts* ShareByCopy(const Guts& guts);
     bool Aliases(const T* s) const;
     bool Splice(std::uint32_t pos, std::uint32_t removed, const T* s, std::uint64_t n);

@@ -1,5 +1,6 @@
 #include "dorvutil/concurrency/locks.h"
 
+#include "dorvutil/concurrency/crit_sec_inl.h"
 #include "dorvutil/concurrency/object_name.h"
 #include "dorvutil/platform/mutex.h"
 #include "dorvutil/platform/thread.h"
@@ -8,31 +9,15 @@
 namespace dorvutil {
 namespace {
 
-constexpr std::uint32_t kWaiters = 0x80000000u;  // somebody sleeps, or may: the holder wakes one when it leaves
-constexpr std::uint32_t kHolder = ~kWaiters;
 constexpr int kSpins = 60;  // looks at a held lock before sleeping: about as long as a short critical section
-
-inline bool Claim(std::atomic<std::uint32_t>& word, std::uint32_t self) {
-    std::uint32_t seen = 0;
-    if (platform::IsOnlyThread()) {
-        // A locked instruction costs several times the rest of Enter and Exit, and nobody is there to race with.
-        if (word.load(std::memory_order_relaxed) != 0) return false;
-        word.store(self, std::memory_order_relaxed);
-        return true;
-    }
-    return word.compare_exchange_strong(seen, self, std::memory_order_acquire, std::memory_order_relaxed);
-}
 
 }  // namespace
 
-void critSec::Enter() const {
-    const std::uint32_t self = platform::CurrentThreadId();
-    if (!Claim(m_word, self)) [[unlikely]]
-        EnterContended(self);
-}
+void critSec::Enter() const { EnterInline(); }
 
 void critSec::EnterContended(std::uint32_t self) const {
-    if ((m_word.load(std::memory_order_relaxed) & kHolder) == self) {
+    // The waiters bit says that somebody sleeps, or may: the holder wakes one when it leaves.
+    if ((m_word.load(std::memory_order_relaxed) & ~kWaiters) == self) {
         ++m_depth;
         return;
     }
@@ -40,7 +25,7 @@ void critSec::EnterContended(std::uint32_t self) const {
         // Sleepers come first: they have waited longer than a spin lasts.
         const std::uint32_t seen = m_word.load(std::memory_order_relaxed);
         if (seen & kWaiters) break;
-        if (seen == 0 && Claim(m_word, self)) return;
+        if (seen == 0 && Claim(self)) return;
         platform::SpinPause();
     }
     for (;;) {
@@ -60,25 +45,15 @@ void critSec::EnterContended(std::uint32_t self) const {
 
 bool critSec::TryLock() const {
     const std::uint32_t self = platform::CurrentThreadId();
-    if (Claim(m_word, self)) return true;
-    if ((m_word.load(std::memory_order_relaxed) & kHolder) != self) return false;
+    if (Claim(self)) return true;
+    if ((m_word.load(std::memory_order_relaxed) & ~kWaiters) != self) return false;
     ++m_depth;
     return true;
 }
 
 void critSec::Exit() const {
-    const std::uint32_t self = platform::CurrentThreadId();
-    if ((m_word.load(std::memory_order_relaxed) & kHolder) != self) return;
-    if (m_depth != 0) {
-        --m_depth;
-        return;
-    }
-    if (platform::IsOnlyThread()) {
-        m_word.store(0, std::memory_order_relaxed);
-        return;
-    }
-    // After the exchange another thread may enter, leave and destroy this lock: only its address is used.
-    if (m_word.exchange(0, std::memory_order_release) & kWaiters) platform::WakeOneOnWord(m_word);
+    const std::uint32_t holder = m_word.load(std::memory_order_relaxed) & ~kWaiters;
+    if (holder == platform::CurrentThreadId()) ExitInline();
 }
 
 mutex::mutex(const char* name) : m_object(nullptr) {

@@ -8,6 +8,7 @@
 #include "dorvutil/frame/registry.h"
 #include "dorvutil/platform/clock.h"
 #include "dorvutil/platform/thread.h"
+#include "dorvutil/text/empty_strings.h"
 
 namespace dorvutil {
 namespace {
@@ -32,6 +33,10 @@ CRandState::CRandState() {
         word ^= Random32();
     }
 }
+
+// Constant from the start; compilers may still register their empty destructors.
+constinit EmptyStrings::Holder<ORVustring> EmptyStrings::s_narrow;
+constinit EmptyStrings::Holder<ORVwstring> EmptyStrings::s_wide;
 
 CRandState& RandomState() { return g_random; }
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <atomic>
 #include <bit>
-#include <cstring>
 #include <limits>
 
+#include "dorvutil/concurrency/crit_sec_inl.h"
 #include "dorvutil/memory/heap.h"
 
 namespace dorvutil {
@@ -14,45 +14,64 @@ namespace {
 constexpr std::uint32_t kLargeBlock = 0x200000;
 constexpr std::uint32_t kMostElements = std::numeric_limits<std::uint16_t>::max();
 
-// Up to this block size the multiplication in ElementIndex is exact and fits 64 bits.
-constexpr std::uint32_t kReciprocalLimit = 0x100000;
-constexpr unsigned kReciprocalShift = 40;
-
 HeapBlock* Unlisted() { return reinterpret_cast<HeapBlock*>(~std::uintptr_t{0}); }
 
 bool IsListed(const HeapBlock* block) { return block->m_next != Unlisted(); }
 
-unsigned char* BitmapOf(const HeapBlock* block) {
-    return reinterpret_cast<unsigned char*>(const_cast<HeapBlock*>(block)) + HeapBlock::kHeaderBytes;
+constexpr std::uint32_t kHeader = sizeof(HeapBlock);
+constexpr std::uint32_t kWordBits = 64;
+
+static_assert(std::endian::native == std::endian::little, "the bitmap is read in 64-bit words");
+
+std::uint64_t* BitmapOf(HeapBlock* block) { return reinterpret_cast<std::uint64_t*>(block + 1); }
+
+std::uint32_t WordCount(std::uint32_t elements) { return (elements + kWordBits - 1) / kWordBits; }
+
+std::uint32_t BitmapSize(std::uint32_t elements) { return WordCount(elements) * kWordBits / 8; }
+
+// The first element follows the bitmap's words at a multiple of 16 bytes from the block's start if its size is one.
+std::uint32_t DataOffset(std::uint32_t elementSize, std::uint32_t elements) {
+    const std::uint32_t alignment = elementSize % 16 == 0 ? 16 : 8;
+    const std::uint32_t end = kHeader + BitmapSize(elements);
+    return (end + alignment - 1) / alignment * alignment - kHeader;
 }
 
-std::uint32_t BitmapSize(std::uint32_t elements) { return (((elements + 7) / 8 + 1) & ~3u) + 2; }
-
-std::uint32_t DataOffset(std::uint32_t elementSize, std::uint32_t bitmapSize) {
-    const std::uint32_t alignment = elementSize % 16 == 0 ? 16 : elementSize % 8 == 0 ? 8 : 4;
-    const auto header = static_cast<std::uint32_t>(HeapBlock::kHeaderBytes);
-    return (header + bitmapSize + alignment - 1) / alignment * alignment - header;
+// Takes the lowest free element of a block that has one; returns its index.
+std::uint32_t TakeElement(HeapBlock* block) {
+    std::uint64_t* const words = BitmapOf(block);
+    std::uint32_t i = 0;
+    while (~words[i] == 0) ++i;
+    const std::uint64_t word = words[i];
+    words[i] = word | (word + 1);
+    ++block->m_used;
+    return i * kWordBits + static_cast<std::uint32_t>(std::countr_one(word));
 }
 
-std::uint64_t LoadWord(const unsigned char* at) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, at, sizeof(word));
-    return word;
+// Gives an element back; false when it is not in use.
+bool GiveElement(HeapBlock* block, std::uint64_t index) {
+    std::uint64_t& word = BitmapOf(block)[index / kWordBits];
+    const std::uint64_t bit = std::uint64_t{1} << index % kWordBits;
+    if ((word & bit) == 0) return false;
+    word ^= bit;
+    --block->m_used;
+    return true;
 }
 
-void StoreWord(unsigned char* at, std::uint64_t word) { std::memcpy(at, &word, sizeof(word)); }
+// The inverse modulo 2^64 by Newton's iteration: each step doubles the number of right bits, 3 at the start.
+std::uint64_t InverseOfOdd(std::uint64_t odd) {
+    std::uint64_t inverse = odd;
+    for (int i = 0; i < 5; ++i) inverse *= 2 - odd * inverse;
+    return inverse;
+}
 
-// Holds a pool's lock for a scope, past the virtual call: pools are entered at a high rate.
-class Guard {
-public:
-    explicit Guard(const CCustomSync& lock) : m_lock(lock) { m_lock.CCustomSync::Enter(); }
-    ~Guard() { m_lock.CCustomSync::Exit(); }
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-
-private:
-    const CCustomSync& m_lock;
-};
+// A new block: out of every list, no element in use.
+void PrepareBlock(HeapBlock* block, std::uint32_t elements) {
+    *block = HeapBlock{Unlisted(), Unlisted(), 0};
+    std::uint64_t* const words = BitmapOf(block);
+    const std::uint32_t count = WordCount(elements);
+    std::fill_n(words, count, 0);
+    if (elements % kWordBits != 0) words[count - 1] = ~std::uint64_t{0} << elements % kWordBits;
+}
 
 // Blocks that pools have forgotten, linked by their heads: kept for good, and in sight of leak checkers.
 constinit std::atomic<HeapBlock*> g_forgotten{nullptr};
@@ -64,60 +83,6 @@ void Remember(HeapBlock* block) {
     } while (!g_forgotten.compare_exchange_weak(before, block, std::memory_order_release, std::memory_order_relaxed));
 }
 
-static_assert(std::endian::native == std::endian::little, "bits are counted through 64-bit words");
-
-// The bitmap is read and written in words of 64 bits, always the same ones: bytes written one by one would have to
-// reach the cache before a word over them could be read back. The last word ends with the bitmap, and its low bits
-// repeat bits of the word before or, in a short bitmap, bytes of the head: the used count, which then changes with the
-// same store.
-class BitmapWords {
-public:
-    explicit BitmapWords(std::uint32_t bitmapSize)
-        : m_size(bitmapSize), m_wholeWords(bitmapSize / 8), m_tailShift(64 - bitmapSize % 8 * 8) {}
-
-    // Takes the lowest free element of a block that has one; returns its index.
-    std::uint32_t Take(HeapBlock* block) const {
-        unsigned char* at = BitmapOf(block);
-        for (std::uint32_t i = 0; i < m_wholeWords; ++i, at += 8) {
-            const std::uint64_t word = LoadWord(at);
-            if (~word == 0) continue;
-            ++block->m_used;
-            StoreWord(at, word | (word + 1));
-            return i * 64 + static_cast<std::uint32_t>(std::countr_zero(~word));
-        }
-        at = LastWord(block);
-        const std::uint64_t word = LoadWord(at);
-        const std::uint64_t clear = ~word >> m_tailShift << m_tailShift;
-        StoreWord(at, (word | (clear & (0 - clear))) + UsedStep(block, 1));
-        return m_wholeWords * 64 + static_cast<std::uint32_t>(std::countr_zero(clear)) - m_tailShift;
-    }
-
-    // Gives an element back; false when it is not in use.
-    bool Give(HeapBlock* block, std::uint32_t index) const {
-        const bool last = index / 64 == m_wholeWords;
-        unsigned char* const at = last ? LastWord(block) : BitmapOf(block) + std::size_t{index / 64} * 8;
-        const std::uint64_t bit = std::uint64_t{1} << (index % 64 + (last ? m_tailShift : 0));
-        const std::uint64_t word = LoadWord(at);
-        if ((word & bit) == 0) return false;
-        StoreWord(at, (word ^ bit) + UsedStep(block, -1));
-        return true;
-    }
-
-private:
-    unsigned char* LastWord(HeapBlock* block) const { return BitmapOf(block) + std::ptrdiff_t{m_size} - 8; }
-
-    // Changes the used count, or returns what to add to the word that holds it.
-    std::uint64_t UsedStep(HeapBlock* block, std::int32_t step) const {
-        if (m_wholeWords == 0) return static_cast<std::uint64_t>(std::int64_t{step}) << (m_tailShift - 16);
-        block->m_used = static_cast<std::uint16_t>(block->m_used + step);
-        return 0;
-    }
-
-    std::uint32_t m_size;  // 2 more than a multiple of 4: the last word always holds some bits of its own
-    std::uint32_t m_wholeWords;
-    std::uint32_t m_tailShift;  // bits of the last word that are not its own
-};
-
 }  // namespace
 
 BlockStruct::BlockStruct(std::uint32_t elementSize, std::uint32_t blockSize)
@@ -125,22 +90,22 @@ BlockStruct::BlockStruct(std::uint32_t elementSize, std::uint32_t blockSize)
     m_elementSize =
         static_cast<std::uint32_t>(std::min<std::uint64_t>((std::uint64_t{m_elementSize} + 3) & ~3ull, ~3u));
     std::uint32_t n = std::min(blockSize / m_elementSize, kMostElements);
-    const auto header = static_cast<std::uint32_t>(HeapBlock::kHeaderBytes);
-    const std::uint64_t start = header + DataOffset(m_elementSize, BitmapSize(n));
+    const std::uint64_t start = kHeader + DataOffset(m_elementSize, n);
     while (n != 0 && std::uint64_t{n} * m_elementSize + start > blockSize) --n;
     m_elementsPerBlock = static_cast<std::uint16_t>(n);
     m_bitmapSize = static_cast<std::uint16_t>(BitmapSize(n));
-    m_dataOffset = static_cast<std::uint16_t>(DataOffset(m_elementSize, m_bitmapSize));
+    m_dataOffset = static_cast<std::uint16_t>(DataOffset(m_elementSize, n));
 }
 
 Allocator::Allocator(std::uint32_t elementSize, tstype lock, std::uint32_t blockSize, Allocator* parent,
                      bool dedicateParent, bool isPrivate)
-    : CCustomSync(lock), m_parent(parent), m_geometry(elementSize, blockSize), m_reciprocal(0) {
+    : CCustomSync(lock),
+      m_parent(parent),
+      m_geometry(elementSize, blockSize),
+      m_evenBits(std::countr_zero(m_geometry.m_elementSize)),
+      m_inverse(InverseOfOdd(m_geometry.m_elementSize >> m_evenBits)) {
     m_blocks.SetChunkSize(6);
     m_blocks.SetPrivate(isPrivate);
-    if (blockSize <= kReciprocalLimit) {
-        m_reciprocal = (std::uint64_t{1} << kReciprocalShift) / m_geometry.m_elementSize + 1;
-    }
     if (m_parent && dedicateParent && !m_geometry.m_large) m_parent->Dedicate();
 }
 
@@ -150,56 +115,53 @@ Allocator::~Allocator() {
 }
 
 void* Allocator::Alloc() {
-    const Guard lock(*this);
+    const QuickGuard lock(*this);
     HeapBlock* const block = m_available ? m_available : ReserveBlock();
     if (!block) return nullptr;
-    const std::uint32_t index = BitmapWords(m_geometry.m_bitmapSize).Take(block);
-    ++m_live;
+    const std::uint32_t index = TakeElement(block);
     MoveBlockUp(block);
-    return BitmapOf(block) + m_geometry.m_dataOffset + std::size_t{index} * m_geometry.m_elementSize;
+    return FirstElement(block) + std::size_t{index} * m_geometry.m_elementSize;
 }
 
-void Allocator::Free(void* element) {
-    const Guard lock(*this);
+[[gnu::flatten]] void Allocator::Free(void* element) {
+    const QuickGuard lock(*this);
     HeapBlock* const block = FindBlock(element);
     if (!block) return;
-    const std::uint32_t index = ElementIndex(block, element);
-    if (index >= m_geometry.m_elementsPerBlock) return;
-    if (!BitmapWords(m_geometry.m_bitmapSize).Give(block, index)) return;
-    --m_live;
-    SetAvailable(block, true);
+    const std::uint64_t index = ElementIndex(block, element);
+    if (index < m_geometry.m_elementsPerBlock && GiveElement(block, index)) SetAvailable(block, true);
 }
 
 bool Allocator::Contains(const void* p) const {
     if (!p) return false;
     if (m_parent) {
-        const Guard parentLock(*m_parent);
+        const QuickGuard parentLock(*m_parent);
         const bool inParent = m_parent->Contains(p);
         if (!inParent || m_parent->m_dedicated) return inParent;
     }
-    const Guard lock(*this);
+    const QuickGuard lock(*this);
     return FindBlock(p) != nullptr;
 }
 
 bool Allocator::Dedicate() {
-    const Guard lock(*this);
+    const QuickGuard lock(*this);
     const bool before = m_dedicated;
     m_dedicated = true;
     return !before;
 }
 
 void Allocator::Cleanup() {
-    const Guard lock(*this);
+    const QuickGuard lock(*this);
     for (HeapBlock* const block : m_blocks) Remember(block);
     m_blocks.Flush();
-    m_available = nullptr;
-    m_live = 0;
+    m_available = m_recent = nullptr;
     if (m_lastOf) std::fill_n(m_lastOf, m_geometry.m_elementsPerBlock, nullptr);
 }
 
 std::uint32_t Allocator::LiveCount() const {
-    const Guard lock(*this);
-    return m_live;
+    const QuickGuard lock(*this);
+    std::uint64_t live = 0;
+    for (const HeapBlock* const block : m_blocks) live += block->m_used;
+    return static_cast<std::uint32_t>(live);
 }
 
 HeapBlock* Allocator::ReserveBlock() {
@@ -210,8 +172,7 @@ HeapBlock* Allocator::ReserveBlock() {
     }
     auto* const block = static_cast<HeapBlock*>(Mem_Malloc(m_geometry.m_blockSize));
     if (!block) return nullptr;
-    std::memset(static_cast<void*>(block), 0, HeapBlock::kHeaderBytes + m_geometry.m_bitmapSize);
-    block->m_next = block->m_previous = Unlisted();
+    PrepareBlock(block, m_geometry.m_elementsPerBlock);
     if (m_blocks.Insert(block, FindHeapIndex(block, true)) < 0) {
         Mem_Free(block);
         return nullptr;
@@ -230,6 +191,7 @@ void Allocator::MeasureSpacing() {
 
 void Allocator::ReleaseBlock(HeapBlock* block, std::uint32_t index) {
     m_blocks.DeleteAt(index);
+    if (m_recent == block) m_recent = nullptr;
     Mem_Free(block);
     MeasureSpacing();
 }
@@ -288,7 +250,7 @@ void Allocator::MoveBlockUp(HeapBlock* block) {
 
 // A block in the list has lost an element: it moves behind the last block that still has as many as it had.
 void Allocator::MoveBlockDown(HeapBlock* block) {
-    const std::uint32_t used = block->m_used;
+    const std::uint64_t used = block->m_used;
     HeapBlock* const last = m_lastOf[used + 1];
     if (last == block) {
         HeapBlock* const previous = block->m_previous;
@@ -320,36 +282,42 @@ std::uint32_t Allocator::FindHeapIndex(const void* p, bool forInsert) const {
     return forInsert ? above : above - 1;
 }
 
+// The block that holds `p`, null when none does.
 HeapBlock* Allocator::FindBlock(const void* p) const {
+    const auto address = reinterpret_cast<std::uintptr_t>(p);
+    const auto holds = [this, address](const HeapBlock* block) {
+        return address - reinterpret_cast<std::uintptr_t>(block) < m_geometry.m_blockSize;
+    };
+    if (m_recent && holds(m_recent)) return m_recent;
     const std::uint32_t count = m_blocks.Count();
     if (count == 0) return nullptr;
     HeapBlock* const* const blocks = m_blocks.Data();
-    const auto address = reinterpret_cast<std::uintptr_t>(p);
-    const auto offset = [address](const HeapBlock* block) { return address - reinterpret_cast<std::uintptr_t>(block); };
-    const std::uint32_t size = m_geometry.m_blockSize;
 
     // Blocks mostly stand side by side, so that the place of the address between the lowest and the highest block tells
     // the index, give or take one. Elsewhere the bisection finds it.
-    const double distance = static_cast<double>(static_cast<std::int64_t>(offset(blocks[0])));
-    const auto guess = static_cast<std::uint64_t>(static_cast<std::int64_t>(distance * m_indexPerByte));
+    const auto distance = static_cast<std::int64_t>(address - reinterpret_cast<std::uintptr_t>(blocks[0]));
+    const auto guess =
+        static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<double>(distance) * m_indexPerByte));
     std::uint32_t index = guess < count ? static_cast<std::uint32_t>(guess) : count - 1;
-    if (offset(blocks[index]) >= size) {
+    if (!holds(blocks[index])) {
         const std::uint32_t beside = address < reinterpret_cast<std::uintptr_t>(blocks[index]) ? index - 1 : index + 1;
-        index = beside < count && offset(blocks[beside]) < size ? beside : FindHeapIndex(p, false);
-        if (index >= count || offset(blocks[index]) >= size) return nullptr;
+        index = beside < count && holds(blocks[beside]) ? beside : FindHeapIndex(p, false);
+        if (index >= count || !holds(blocks[index])) return nullptr;
     }
-    return blocks[index];
+    return m_recent = blocks[index];
 }
 
-// Index of the element that starts at `p`; at least the number of elements when none does.
-std::uint32_t Allocator::ElementIndex(const HeapBlock* block, const void* p) const {
-    const auto start = reinterpret_cast<std::uintptr_t>(BitmapOf(block)) + m_geometry.m_dataOffset;
-    const auto address = reinterpret_cast<std::uintptr_t>(p);
-    if (address < start) return kMostElements;
-    const std::uint64_t offset = address - start;
-    const std::uint64_t index =
-        m_reciprocal != 0 ? offset * m_reciprocal >> kReciprocalShift : offset / m_geometry.m_elementSize;
-    return index * m_geometry.m_elementSize == offset ? static_cast<std::uint32_t>(index) : kMostElements;
+unsigned char* Allocator::FirstElement(HeapBlock* block) const {
+    return reinterpret_cast<unsigned char*>(block + 1) + m_geometry.m_dataOffset;
+}
+
+// Index of the element that starts at `p`; at least the number of elements when none does. Multiplied by the inverse of
+// the size's odd part modulo 2^64, then turned by its even part, a multiple of the size gives the quotient and any
+// other number something larger than every quotient (Granlund and Montgomery 1994, section 9).
+std::uint64_t Allocator::ElementIndex(HeapBlock* block, const void* p) const {
+    const std::uint64_t offset =
+        reinterpret_cast<std::uintptr_t>(p) - reinterpret_cast<std::uintptr_t>(FirstElement(block));
+    return std::rotr(offset * m_inverse, m_evenBits);
 }
 
 }  // namespace dorvutil

@@ -43,6 +43,22 @@ std::int32_t Difference(std::uint64_t a, std::uint64_t b) {
     }
 }
 
+// Neither the terminator nor above ASCII.
+constexpr bool IsAsciiCharacter(char c) { return static_cast<unsigned char>(c) - 1u < 0x7Fu; }
+
+// Characters of ASCII, at most `limit`, that both texts begin with.
+std::size_t EqualAscii(const char* a, const char* b, std::size_t limit) {
+    std::size_t i = 0;
+    while (i < limit && a[i] == b[i] && IsAsciiCharacter(a[i])) ++i;
+    return i;
+}
+
+// Difference of two characters of ASCII under `map`; 0 where either is none.
+std::int32_t AsciiDifference(const CodePointMap& map, char a, char b) {
+    if (!IsAsciiCharacter(a) || !IsAsciiCharacter(b)) return 0;
+    return map[static_cast<unsigned char>(a)] - map[static_cast<unsigned char>(b)];
+}
+
 enum class Stop { different, limit, end, odd };
 
 struct Progress {
@@ -70,7 +86,7 @@ inline Progress Run(const CodePointMap& map, const char* a, std::size_t aLeft, c
             const std::uint32_t c = static_cast<unsigned char>(a[i]);
             const std::uint32_t d = static_cast<unsigned char>(b[j]);
             if (c == d) {
-                if (c - 1 < 0x7F) continue;  // neither the terminator nor above ASCII
+                if (c - 1 < 0x7F) continue;
                 break;
             }
             if ((c | d) >= 0x80 || c == 0 || d == 0) break;
@@ -139,10 +155,16 @@ std::int32_t CompareWithin(const char* a, std::size_t aLeft, const char* b, std:
 std::int32_t CompareThenCount(const char* a, std::size_t aLeft, const char* b, std::size_t bLeft) {
     const SpecialCharTables* const tables = SpecialCharTablesInUse();
     if (tables != nullptr) {
+        // Most texts part after a few letters of ASCII.
+        const std::size_t same = EqualAscii(a, b, std::min(aLeft, bLeft));
+        if (same < aLeft && same < bLeft) {
+            const std::int32_t r = AsciiDifference(tables->upperFolded, a[same], b[same]);
+            if (r != 0) return Sign(r);
+        }
         // Both texts in order up to here: no counts are needed to know that both have the characters compared.
-        const Progress p = Run<true>(tables->upperFolded, a, aLeft, b, bLeft, kAllChars);
+        const Progress p = Run<true>(tables->upperFolded, a + same, aLeft - same, b + same, bLeft - same, kAllChars);
         if (p.stop == Stop::different) return Sign(p.difference);
-        if (p.stop == Stop::end) return HasMore(a, p.a, aLeft) - HasMore(b, p.b, bLeft);
+        if (p.stop == Stop::end) return HasMore(a + same, p.a, aLeft - same) - HasMore(b + same, p.b, bLeft - same);
     }
     const std::uint32_t aChars = CountOf(a, aLeft);
     const std::uint32_t bChars = CountOf(b, bLeft);

@@ -4,26 +4,11 @@
 #include <utility>
 
 #include "dorvutil/text/const_string.h"
+#include "dorvutil/text/empty_strings.h"
 #include "dorvutil/text/encoding.h"
 #include "dorvutil/text/string_storage.h"
 
 namespace dorvutil {
-
-// What an empty or unconvertible text gives in the other width: one object for the process, never written (its own
-// other width is its twin) and never destroyed.
-struct EmptyStrings {
-    template <class S>
-    union Holder {
-        S m_text;
-        constexpr Holder() : m_text(S::EmptyBlock(), nullptr) {}
-        constexpr ~Holder() {}
-    };
-    static Holder<ORVustring> s_narrow;
-    static Holder<ORVwstring> s_wide;
-};
-
-constinit EmptyStrings::Holder<ORVustring> EmptyStrings::s_narrow;
-constinit EmptyStrings::Holder<ORVwstring> EmptyStrings::s_wide;
 
 namespace {
 

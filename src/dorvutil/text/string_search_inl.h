@@ -41,11 +41,12 @@ std::int32_t TOrvString<T>::compare(const T* other, bool ignoreCase, std::int32_
 }
 
 template <class T>
-std::int32_t TOrvString<T>::find(const T* s, std::uint32_t start, bool ignoreCase) const {
-    if (s == nullptr || start >= length()) return -1;
-    if (!ignoreCase) {
-        return search::Position(std::basic_string_view<T>(m_guts->m_data, m_guts->m_length).find(s, start));
-    }
+std::int32_t TOrvString<T>::FindUnits(const T* s, std::size_t n, std::uint32_t start) const {
+    return search::Position(std::basic_string_view<T>(m_guts->m_data, m_guts->m_length).find(s, start, n));
+}
+
+template <class T>
+std::int32_t TOrvString<T>::FindNoCase(const T* s, std::uint32_t start) const {
     TOrvString text(m_guts->m_data + start, static_cast<std::int32_t>(m_guts->m_length - start));
     TOrvString pattern(s);
     if (text.m_guts == nullptr || pattern.m_guts == nullptr) return -1;
