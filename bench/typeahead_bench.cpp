@@ -65,7 +65,14 @@ class Contender {
 public:
     virtual ~Contender() = default;
     virtual void Press(const std::string& text) = 0;
+    virtual std::size_t MemoryBytes() const = 0;  // of what it searches in
 };
+
+roadlyn::PlaceIndex MakeIndex() {
+    roadlyn::PlaceIndex index;
+    index.Build(Places(), [](unsigned) { return true; });
+    return index;
+}
 
 // The library: a handle with the place source, on its worker thread or in the calling one.
 class Handle : public Contender {
@@ -82,6 +89,7 @@ public:
         m_handle.StartSearch(dorvutil::ORVustring(text.c_str()), true);
         benchmark::DoNotOptimize(m_handle.NumResults(0xFFFFFFFFu));
     }
+    std::size_t MemoryBytes() const override { return Places().MemoryBytes() + MakeIndex().MemoryBytes(); }
 
 private:
     roadlyn::SourceBoard m_board;
@@ -90,9 +98,7 @@ private:
 
 class Scan : public Contender {
 public:
-    Scan() {
-        m_index.Build(Places(), [](unsigned) { return true; });
-    }
+    std::size_t MemoryBytes() const override { return m_index.FoldedNames().size(); }
     void Press(const std::string& text) override {
         const std::string needle = roadlyn::FoldedText(text);
         const std::string_view all = m_index.FoldedNames();
@@ -109,7 +115,7 @@ public:
     }
 
 private:
-    roadlyn::PlaceIndex m_index;
+    const roadlyn::PlaceIndex m_index = MakeIndex();
     std::vector<std::uint32_t> m_hits;  // where in the text; a name once
 };
 
@@ -147,6 +153,7 @@ public:
         benchmark::DoNotOptimize(rows);
         sqlite3_reset(m_query);
     }
+    std::size_t MemoryBytes() const override { return static_cast<std::size_t>(sqlite3_memory_used()); }
 
 private:
     sqlite3* m_base = nullptr;
@@ -177,6 +184,7 @@ void Report(benchmark::State& state, double part, const Maker& make) {
         const auto times = Measure(*contender);
         state.SetIterationTime(times[static_cast<std::size_t>(part * static_cast<double>(times.size() - 1))]);
     }
+    state.counters["memory"] = static_cast<double>(contender->MemoryBytes());
 }
 
 const int g_registered = [] {
