@@ -18,7 +18,7 @@ public:
     OrvEventChain* m_next = nullptr;
 };
 
-/// Storage for one OrvEventChain<S>: the critSec form takes it from the registry's pool (or the general heap when there
+/// Storage for one `OrvEventChain`: the critSec form takes it from the registry's pool (or the general heap when there
 /// is no registry), the others from the general heap. Null when memory ran out. FreeEventChain gives it back.
 template <class S>
 void* AllocEventChain();
