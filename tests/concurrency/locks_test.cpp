@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <thread>
 #include <vector>
 
+#include "concurrency/thread_support.h"
+#include "dorvutil/concurrency/lockable.h"
 #include "dorvutil/concurrency/sync.h"
 #include "dorvutil/platform/mutex.h"
-#include "sleeping_thread.h"
 
 namespace dorvutil {
 namespace {
@@ -34,27 +34,31 @@ using Locks = testing::Types<critSec, mutex, TCompactSync<critSec>, TCompactSync
                              CustomSync<ts_critSec>, CustomSync<ts_mutex>, CustomSync<7>, CustomSync<-1>>;
 TYPED_TEST_SUITE(LockContract, Locks);
 
-TYPED_TEST(LockContract, ThreadStartedWhileTheLockIsHeldWaitsForIt) {
+TYPED_TEST(LockContract, ThreadsStartedWhileItIsHeldSleepAndAreAllWoken) {
     TypeParam lock;
-    int order = 0;
+    int count = 0;
     lock.Enter();
-    SleepingThread other([&] {
-        lock.Enter();
-        order = order * 10 + 2;
-        lock.Exit();
-    });
-    other.WaitUntilAsleep();
-    order = order * 10 + 1;
+    test::Sleepers sleepers;
+    for (int i = 0; i < 4; ++i) {
+        const auto enter = [&] {
+            const TScopedLock hold(lock);
+            ++count;
+        };
+        sleepers.emplace_back(enter).WaitUntilAsleep();
+    }
+    EXPECT_EQ(count, 0);
     lock.Exit();
-    other.Join();
-    EXPECT_EQ(order, 12);
+    sleepers.clear();
+    EXPECT_EQ(count, 4);
 }
 
-TYPED_TEST(LockContract, RecursiveHoldsAreReleasedOneByOne) {
+TYPED_TEST(LockContract, OnlyTheHolderReleasesItsHoldsAndOneByOne) {
     TypeParam lock;
+    lock.Exit();
     lock.Enter();
     lock.Enter();
     ASSERT_TRUE(lock.TryLock());
+    std::thread([&] { lock.Exit(); }).join();
     for (int i = 0; i < 3; ++i) {
         EXPECT_FALSE(OtherThreadGets(lock)) << i;
         lock.Exit();
@@ -62,19 +66,8 @@ TYPED_TEST(LockContract, RecursiveHoldsAreReleasedOneByOne) {
     EXPECT_TRUE(OtherThreadGets(lock));
 }
 
-TYPED_TEST(LockContract, ExitByAnotherThreadReleasesNothing) {
-    TypeParam lock;
-    lock.Exit();
-    lock.Enter();
-    std::thread([&] { lock.Exit(); }).join();
-    EXPECT_FALSE(OtherThreadGets(lock));
-    lock.Exit();
-    EXPECT_TRUE(OtherThreadGets(lock));
-}
-
 TYPED_TEST(LockContract, ContendingThreadsExcludeEachOther) {
-    constexpr int kThreads = 4;
-    constexpr int kRounds = 2000;
+    constexpr int kThreads = 4, kRounds = 2000;
     TypeParam lock;
     int count = 0;
     std::vector<std::thread> threads;
@@ -93,88 +86,37 @@ TYPED_TEST(LockContract, ContendingThreadsExcludeEachOther) {
     EXPECT_EQ(count, kThreads * kRounds);
 }
 
-TYPED_TEST(LockContract, EverySleeperIsWoken) {
-    TypeParam lock;
-    int count = 0;
-    lock.Enter();
-    std::vector<std::unique_ptr<SleepingThread>> sleepers;
-    for (int i = 0; i < 5; ++i) {
-        sleepers.push_back(std::make_unique<SleepingThread>([&] {
-            const TScopedLock hold(lock);
-            ++count;
-        }));
-        sleepers.back()->WaitUntilAsleep();
-    }
-    lock.Exit();
-    for (auto& sleeper : sleepers) sleeper->Join();
-    EXPECT_EQ(count, 5);
-}
-
-TEST(CritSec, MayBeDestroyedByTheThreadThatEntersNext) {
-    struct Shared {
-        critSec lock;
-        int holders = 2;
-    };
-    const auto letGo = [](Shared* shared) {
-        shared->lock.Enter();
-        const bool last = --shared->holders == 0;
-        shared->lock.Exit();
-        if (last) delete shared;
-    };
-    for (int i = 0; i < 200; ++i) {
-        auto* const shared = new Shared;
-        std::thread other(letGo, shared);
-        letGo(shared);
-        other.join();
-    }
-}
-
-TEST(NullSync, NeverLocks) {
+TEST(BaseSync, LockAndUnlockAreEnterAndExitAndTheNullKindNeverLocks) {
     const nullSync plain;
-    const TCompactSync<nullSync> compact;
-    const CCustomSync custom(ts_nullSync);
     plain.Enter();
-    EXPECT_TRUE(plain.TryLock());
-    EXPECT_TRUE(OtherThreadGets(plain));
-    plain.Exit();
-    for (const CBaseSync* lock : {static_cast<const CBaseSync*>(&compact), static_cast<const CBaseSync*>(&custom)}) {
+    EXPECT_TRUE(plain.TryLock() && OtherThreadGets(plain));
+    const TCompactSync<nullSync> compact;
+    const CCustomSync custom(ts_nullSync), locking;
+    for (const CBaseSync* const lock : {static_cast<const CBaseSync*>(&compact), static_cast<const CBaseSync*>(&custom),
+                                        static_cast<const CBaseSync*>(&locking)}) {
         lock->Lock();
         EXPECT_TRUE(lock->TryLock());
-        EXPECT_TRUE(OtherThreadGets(*lock));
         lock->Unlock();
+        EXPECT_EQ(OtherThreadGets(*lock), lock != &locking);
+        lock->Unlock();
+        EXPECT_TRUE(OtherThreadGets(*lock));
     }
 }
 
-TEST(BaseSync, LockAndUnlockAreEnterAndExit) {
-    const TCompactSync<critSec> lock;
-    const CBaseSync& base = lock;
-    base.Lock();
-    EXPECT_FALSE(OtherThreadGets(base));
-    base.Unlock();
-    EXPECT_TRUE(OtherThreadGets(base));
-}
-
-TEST(MutexAbandoned, TryLockRefusesItOnce) {
+TEST(MutexAbandoned, IsRefusedOnceByTryLockAndTakenOverByEnter) {
     const mutex lock;
-    std::thread([&] {
+    const auto abandon = [&] {
         lock.Enter();
         lock.Enter();
-    }).join();
+    };
+    std::thread(abandon).join();
     EXPECT_FALSE(lock.TryLock());
     EXPECT_TRUE(OtherThreadGets(lock)) << "a refused TryLock must leave no hold";
-    ASSERT_TRUE(lock.TryLock());
+    std::thread(abandon).join();
+    lock.Enter();
     EXPECT_FALSE(OtherThreadGets(lock));
     lock.Exit();
     EXPECT_TRUE(OtherThreadGets(lock)) << "the dead holder's nested holds must not count";
-}
-
-TEST(MutexAbandoned, EnterTakesItOver) {
-    const mutex lock;
-    std::thread([&] { lock.Enter(); }).join();
-    lock.Enter();
-    EXPECT_FALSE(OtherThreadGets(lock));
-    lock.Exit();
-    EXPECT_TRUE(OtherThreadGets(lock));
 }
 
 TEST(PlatformMutex, ClosingEndsTheHoldsOfTheClosingThread) {
@@ -189,11 +131,75 @@ TEST(PlatformMutex, ClosingEndsTheHoldsOfTheClosingThread) {
     }
 }
 
-TEST(PlatformMutex, AnswersForNoObject) {
-    EXPECT_EQ(platform::LockMutex(nullptr, true), platform::MutexWait::kFailed);
-    EXPECT_EQ(platform::LockMutex(nullptr, false), platform::MutexWait::kFailed);
-    EXPECT_FALSE(platform::UnlockMutex(nullptr));
-    platform::CloseMutex(nullptr);
+struct Counted : TLockable<critSec> {
+    explicit Counted(int* deaths, std::int32_t initial = 0) : TLockable(initial), m_deaths(deaths) {}
+    Counted(const Counted&) = default;
+    ~Counted() override { ++*m_deaths; }
+
+    // The count as a Ref and an Unref show it.
+    std::int32_t Count() {
+        Ref();
+        return Unref();
+    }
+
+    int* m_deaths;
+};
+
+struct Holder : TLocker<Counted> {
+    using TLocker::GetLockable;
+    using TLocker::TLocker;
+};
+
+TEST(Lockable, CopiesNeverTakeTheCount) {
+    int deaths = 0;
+    auto* const original = new Counted(&deaths, 5);
+    auto* const copy = new Counted(*original);
+    EXPECT_EQ(copy->Ref(), 1);
+    static_cast<TLockable<critSec>&>(*original) = *copy;
+    EXPECT_EQ(original->Count(), 5);
+    EXPECT_EQ(copy->Unref(), 0);
+    delete original;
+}
+
+TEST(Lockable, CountSurvivesManyThreads) {
+    int deaths = 0;
+    auto* const object = new Counted(&deaths, 1);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 3; ++t) {
+        object->Ref();
+        threads.emplace_back([object] {
+            for (int i = 0; i < 5000; ++i) object->Count();
+            object->Unref();
+        });
+    }
+    object->Unref();
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(deaths, 1);
+}
+
+TEST(Locker, HoldsOneReferenceWhereverItPoints) {
+    int deaths = 0;
+    auto* const a = new Counted(&deaths);
+    auto* const b = new Counted(&deaths, 1);
+    {
+        Holder holder(a);
+        holder.SetLockable(a);  // the only reference: dropping it first would destroy the object
+        EXPECT_EQ(deaths, 0);
+        const Holder copy(holder), other(b), none;
+        EXPECT_EQ(a->Count(), 2);
+        holder = other;
+        EXPECT_EQ(a->Count(), 1);
+        const Holder& itself = holder;
+        holder = itself;
+        EXPECT_EQ(b->Count(), 3);
+        EXPECT_EQ(holder.GetLockable(), b);
+        holder = none;
+        EXPECT_EQ(Holder(holder).GetLockable(), nullptr);
+        EXPECT_EQ(b->Count(), 2);
+    }
+    EXPECT_EQ(deaths, 1);
+    EXPECT_EQ(b->Unref(), 0);
+    EXPECT_EQ(deaths, 2);
 }
 
 }  // namespace

@@ -2,12 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <algorithm>
+#include <deque>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "sleeping_thread.h"
+#include "concurrency/thread_support.h"
 
 namespace dorvutil {
 namespace {
@@ -28,11 +29,8 @@ class Holder {
 public:
     Holder(const Lock& lock, char kind)
         : m_thread([this, &lock, kind] {
-              if (kind == 'w') {
-                  lock.WaitToWrite();
-              } else {
-                  EXPECT_TRUE(lock.WaitToRead(true));
-              }
+              if (kind == 'w') lock.WaitToWrite();
+              EXPECT_TRUE(kind == 'w' || lock.WaitToRead(true));
               m_granted.SignalEvent();
               m_letGo.WaitForEvent(kWaitForever);
               lock.Done();
@@ -41,8 +39,7 @@ public:
     }
     ~Holder() { LetGo(); }
 
-    bool Granted() const { return m_granted.WaitForEvent(0) == 1; }
-    void WaitUntilGranted() const { m_granted.WaitForEvent(kWaitForever); }
+    bool Granted(std::uint32_t waitMs = 0) const { return m_granted.WaitForEvent(waitMs) == 1; }
     void LetGo() {
         m_letGo.SignalEvent();
         m_thread.Join();
@@ -51,22 +48,16 @@ public:
 private:
     event m_granted;
     event m_letGo;
-    SleepingThread m_thread;
+    test::SleepingThread m_thread;
 };
 
-TEST(ReaderWriter, ReadersShareAndWritersDoNot) {
+TEST(ReaderWriter, ReadersShareAndAWriterNestsAloneWithADoneForEachHold) {
     const Lock lock;
+    lock.Done();  // of a free lock: nothing
     ASSERT_TRUE(lock.WaitToRead(false));
     EXPECT_TRUE(OtherThreadReads(lock));
     lock.Done();
-    lock.WaitToWrite();
-    EXPECT_FALSE(OtherThreadReads(lock));
     lock.Done();
-    EXPECT_TRUE(OtherThreadReads(lock));
-}
-
-TEST(ReaderWriter, WriterNestsReadsAndWritesEachWithItsOwnDone) {
-    const Lock lock;
     lock.WaitToWrite();
     EXPECT_TRUE(lock.WaitToRead(false));
     lock.WaitToWrite();
@@ -82,117 +73,67 @@ TEST(ReaderWriter, WaitingWriterStopsNewReadersButNotHolders) {
     const Lock lock;
     ASSERT_TRUE(lock.WaitToRead(true));
     Holder writer(lock, 'w');
-    EXPECT_FALSE(writer.Granted());
     EXPECT_FALSE(OtherThreadReads(lock));
     EXPECT_TRUE(lock.WaitToRead(false)) << "this thread reads already";
     lock.Done();
     EXPECT_FALSE(writer.Granted());
     lock.Done();
-    writer.WaitUntilGranted();
+    EXPECT_TRUE(writer.Granted(test::kSoonMs));
     EXPECT_FALSE(OtherThreadReads(lock));
     writer.LetGo();
     EXPECT_TRUE(OtherThreadReads(lock));
 }
 
-// A trace in the holder list would let the refused thread in while the writer holds; one in the counts would hand the
-// lock to a reader who is not there.
+// A trace in the holder list would let the refused thread in at its next try; one in the counts would hand the lock to
+// a reader who is not there.
 TEST(ReaderWriter, RefusedReadLeavesNoTrace) {
     const Lock lock;
-    std::atomic<int> step{0};
-    std::thread refused([&] {
-        while (step != 1) std::this_thread::yield();
-        EXPECT_FALSE(lock.WaitToRead(false));
-        EXPECT_FALSE(lock.WaitToRead(false));
-        step = 2;
-        while (step != 3) std::this_thread::yield();
-        lock.WaitToWrite();
-        lock.Done();
-        EXPECT_TRUE(lock.WaitToRead(false));
-        lock.Done();
-    });
-    lock.WaitToWrite();
-    step = 1;
-    while (step != 2) std::this_thread::yield();
-    lock.Done();
-    step = 3;
-    refused.join();
-    EXPECT_TRUE(OtherThreadReads(lock));
-}
-
-TEST(ReaderWriter, DoneOnAFreeLockChangesNothing) {
-    const Lock lock;
-    lock.Done();
-    lock.Done();
-    lock.WaitToWrite();
-    EXPECT_FALSE(OtherThreadReads(lock));
-    lock.Done();
-    lock.Done();
-    ASSERT_TRUE(lock.WaitToRead(false));
     Holder writer(lock, 'w');
-    EXPECT_FALSE(writer.Granted());
-    lock.Done();
-    writer.WaitUntilGranted();
-}
-
-// Each holder in turn, as '1' for a hold granted and '0' for one waited for.
-std::string Granted(const std::vector<std::unique_ptr<Holder>>& holders) {
-    std::string text;
-    for (const auto& holder : holders) text += holder->Granted() ? '1' : '0';
-    return text;
-}
-
-TEST(ReaderWriter, TurnsAlternateWhileBothWait) {
-    const Lock lock;
-    std::vector<std::unique_ptr<Holder>> holders;
-    const auto queue = [&](char kind) { holders.push_back(std::make_unique<Holder>(lock, kind)); };
+    for (int i = 0; i < 2; ++i) EXPECT_FALSE(lock.WaitToRead(false)) << i;
+    writer.LetGo();
     lock.WaitToWrite();
-    for (const char kind : {'r', 'r', 'w', 'w', 'w', 'r'}) queue(kind);
-    EXPECT_EQ(Granted(holders), "000000");
     lock.Done();
-    holders[2]->WaitUntilGranted();  // readers were first in line, but the first turn is the writers'
-    EXPECT_EQ(Granted(holders), "001000");
-    holders[2]->LetGo();
-    for (const std::size_t reader : {0u, 1u, 5u}) holders[reader]->WaitUntilGranted();
-    EXPECT_EQ(Granted(holders), "111001") << "all readers together";
-    queue('r');
-    EXPECT_EQ(Granted(holders), "1110010");
-    for (const std::size_t reader : {0u, 1u, 5u}) holders[reader]->LetGo();
-    holders[3]->WaitUntilGranted();
-    EXPECT_EQ(Granted(holders), "1111010");
-    holders[3]->LetGo();
-    holders[6]->WaitUntilGranted();
-    EXPECT_EQ(Granted(holders), "1111011");
-    holders[6]->LetGo();
-    holders[4]->WaitUntilGranted();
-}
-
-TEST(ReaderWriter, TurnPassesToWhoeverWaitsAlone) {
-    const Lock lock;
-    lock.WaitToWrite();
-    {
-        Holder writer1(lock, 'w');
-        Holder writer2(lock, 'w');
-        lock.Done();
-        writer1.WaitUntilGranted();
-        EXPECT_FALSE(writer2.Granted());
-        writer1.LetGo();
-        writer2.WaitUntilGranted();  // although it is the readers' turn
-        Holder reader(lock, 'r');
-        Holder writer3(lock, 'w');
-        writer2.LetGo();
-        reader.WaitUntilGranted();
-        EXPECT_FALSE(writer3.Granted());
-        reader.LetGo();
-        writer3.WaitUntilGranted();
-    }
     EXPECT_TRUE(OtherThreadReads(lock));
+}
+
+// Threads r(ead) and w(rite) queue up while the test writes; at every release those of the next turn, and no others,
+// get their holds, and more threads may queue up behind them.
+TEST(ReaderWriter, TurnsAlternateWhileBothWaitAndPassToWhoeverWaitsAlone) {
+    static const struct {
+        const char* name;
+        std::string queue;
+        std::vector<std::pair<std::vector<std::size_t>, std::string>> turns;  // who is served, who arrives meanwhile
+    } kCases[] = {
+        {"both wait", "rrwwwr", {{{2}, ""}, {{0, 1, 5}, "r"}, {{3}, ""}, {{6}, ""}, {{4}, ""}}},
+        {"writers alone, then both", "ww", {{{0}, ""}, {{1}, "rw"}, {{2}, ""}, {{3}, ""}}},
+        {"readers alone, then both", "rr", {{{0, 1}, "wr"}, {{2}, ""}, {{3}, ""}}},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const Lock lock;
+        std::deque<Holder> holders;
+        const auto queue = [&](const std::string& kinds) {
+            for (const char kind : kinds) holders.emplace_back(lock, kind);
+        };
+        lock.WaitToWrite();
+        queue(c.queue);
+        lock.Done();
+        std::ptrdiff_t granted = 0;
+        for (const auto& [served, arriving] : c.turns) {
+            for (const auto i : served) EXPECT_TRUE(holders[i].Granted(test::kSoonMs)) << i;
+            queue(arriving);
+            granted += static_cast<std::ptrdiff_t>(served.size());
+            EXPECT_EQ(std::count_if(holders.begin(), holders.end(), [](auto& h) { return h.Granted(); }), granted);
+            for (const auto i : served) holders[i].LetGo();
+        }
+        EXPECT_TRUE(OtherThreadReads(lock));
+    }
 }
 
 // Writers keep the two values equal; readers must never see them differ.
 TEST(ReaderWriter, InvariantHoldsUnderLoad) {
     const Lock lock;
-    std::int64_t first = 0;
-    std::int64_t second = 0;
+    std::int64_t first = 0, second = 0;
     std::atomic<int> writes{0};
     const auto work = [&](std::uint32_t seed) {
         std::minstd_rand random(seed);

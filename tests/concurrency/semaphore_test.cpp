@@ -3,93 +3,66 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstring>
-#include <memory>
 #include <vector>
 
-#include "sleeping_thread.h"
+#include "concurrency/thread_support.h"
 
 namespace dorvutil {
 namespace {
 
+using test::Sleepers;
+using test::SleepingThread;
 using Semaphore = TSem<critSec>;
 
+// Takes what is there, up to `limit` units.
+int Take(Semaphore& semaphore, int limit = 40) {
+    int units = 0;
+    while (units < limit && semaphore.Wait(units % 2 ? 0 : 1) == 1) ++units;
+    return units;
+}
+
 TEST(SemCount, KeepsUnitsUpToTheMaximum) {
+    Semaphore semaphore;
+    semaphore.Release(0);
+    EXPECT_EQ(Take(semaphore), 0);
+    for (const std::uint32_t count : {1u, 2u, 1u}) semaphore.Release(count);
+    EXPECT_EQ(Take(semaphore), 4);
+    for (const std::uint32_t count : {0xFFFFFFF0u, 0x20u, 1u}) semaphore.Release(count);
+    EXPECT_EQ(Take(semaphore), 40) << "a full one must not begin anew";
+}
+
+TEST(SemQueue, ServesInOrderOfArrivalAndForgetsWhoGivesUp) {
     static const struct {
         const char* name;
+        int quitter;  // the waiter that gives up; -1 for none
         std::vector<std::uint32_t> releases;
-        int waits;  // that get a unit; one more gets none, unless -1 (plenty are left)
+        std::vector<std::size_t> served;  // by each release, in the order of arrival
+        int left;
     } kCases[] = {
-        {"none", {}, 0},
-        {"release of nothing", {0}, 0},
-        {"two at once", {2}, 2},
-        {"one by one", {1, 1, 1}, 3},
-        {"full, and one more", {0xFFFFFFFFu, 1}, -1},
-        {"sum beyond the maximum", {0xFFFFFFF0u, 0x20}, -1},
+        {"one by one", -1, {1, 1, 1, 1}, {1, 1, 1, 1}, 0}, {"more than waiters", -1, {6}, {4}, 2},
+        {"the first quits", 0, {1, 2}, {1, 2}, 0},         {"an inner one quits", 1, {2, 1}, {2, 1}, 0},
+        {"the last quits", 3, {1, 3}, {1, 2}, 1},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);
         Semaphore semaphore;
-        for (const auto count : c.releases) semaphore.Release(count);
-        for (int i = 0; i < (c.waits < 0 ? 40 : c.waits); ++i) EXPECT_EQ(semaphore.Wait(i % 2 ? 0 : kWaitForever), 1);
-        if (c.waits >= 0) {
-            EXPECT_EQ(semaphore.Wait(0), 0);
-            EXPECT_EQ(semaphore.Wait(1), 0);
+        Sleepers waiters;
+        std::atomic<std::size_t> served{0};
+        for (int i = 0; i < 4; ++i) {
+            const std::uint32_t patience = i == c.quitter ? 100 : kWaitForever;
+            const auto wait = [&, patience] { served += static_cast<std::size_t>(semaphore.Wait(patience)); };
+            waiters.emplace_back(wait).WaitUntilAsleep();
         }
-    }
-}
-
-TEST(SemQueue, ServesInOrderOfArrival) {
-    Semaphore semaphore;
-    std::vector<std::unique_ptr<SleepingThread>> waiters;
-    std::atomic<int> served{0};
-    for (int i = 0; i < 4; ++i) {
-        waiters.push_back(std::make_unique<SleepingThread>([&] {
-            EXPECT_EQ(semaphore.Wait(kWaitForever), 1);
-            ++served;
-        }));
-        waiters.back()->WaitUntilAsleep();
-    }
-    for (int i = 0; i < 4; ++i) {
-        semaphore.Release(1);
-        EXPECT_EQ(semaphore.Wait(0), 0) << "the unit belongs to the waiter";
-        waiters[static_cast<std::size_t>(i)]->Join();
-        EXPECT_EQ(served, i + 1);
-    }
-}
-
-TEST(SemQueue, ReleaseOfManyServesAllAndKeepsTheRest) {
-    Semaphore semaphore;
-    std::vector<std::unique_ptr<SleepingThread>> waiters;
-    for (int i = 0; i < 3; ++i) {
-        waiters.push_back(std::make_unique<SleepingThread>([&] { EXPECT_EQ(semaphore.Wait(kWaitForever), 1); }));
-        waiters.back()->WaitUntilAsleep();
-    }
-    semaphore.Release(5);
-    waiters.clear();
-    EXPECT_EQ(semaphore.Wait(0), 1);
-    EXPECT_EQ(semaphore.Wait(0), 1);
-    EXPECT_EQ(semaphore.Wait(0), 0);
-}
-
-// The one in the middle gives up; those around it keep their places.
-TEST(SemQueue, TimedOutWaiterLeavesTheChainWhole) {
-    for (const int quitter : {0, 1, 2}) {
-        SCOPED_TRACE(quitter);
-        Semaphore semaphore;
-        std::vector<std::unique_ptr<SleepingThread>> waiters;
-        std::atomic<int> served{0};
-        for (int i = 0; i < 3; ++i) {
-            waiters.push_back(std::make_unique<SleepingThread>(
-                [&, i] { served += semaphore.Wait(i == quitter ? 100 : kWaitForever); }));
-            waiters.back()->WaitUntilAsleep();
+        if (c.quitter >= 0) waiters.erase(std::next(waiters.begin(), c.quitter));
+        std::size_t expected = 0;
+        for (std::size_t i = 0; i < c.releases.size(); ++i) {
+            EXPECT_EQ(served, expected);
+            semaphore.Release(c.releases[i]);
+            expected += c.served[i];
+            for (std::size_t n = 0; n < c.served[i]; ++n) waiters.pop_front();
         }
-        waiters[static_cast<std::size_t>(quitter)]->Join();
-        EXPECT_EQ(served, 0);
-        semaphore.Release(2);
-        waiters.clear();
-        EXPECT_EQ(served, 2);
-        EXPECT_EQ(semaphore.Wait(0), 0);
+        EXPECT_EQ(served, expected);
+        EXPECT_EQ(Take(semaphore), c.left) << "a unit handed over belongs to the waiter";
     }
 }
 
@@ -108,7 +81,7 @@ TEST(SemQueue, SignalAfterTheTimeOutCountsAsTaken) {
     lock.Exit();
     waiter.Join();
     EXPECT_EQ(result, 1);
-    EXPECT_EQ(semaphore.Wait(0), 0) << "the unit must not be there twice";
+    EXPECT_EQ(Take(semaphore), 0) << "the unit must not be there twice";
 }
 
 TEST(SemQueue, NoUnitIsLostOrDoubledUnderTimeOuts) {
@@ -117,9 +90,9 @@ TEST(SemQueue, NoUnitIsLostOrDoubledUnderTimeOuts) {
     std::atomic<int> taken{0};
     std::atomic<bool> stop{false};
     std::vector<std::thread> takers;
-    for (int t = 0; t < 3; ++t) {
+    for (std::uint32_t t = 0; t < 3; ++t) {
         takers.emplace_back([&, t] {
-            while (!stop) taken += semaphore.Wait(static_cast<std::uint32_t>(t));
+            while (!stop) taken += semaphore.Wait(t);
         });
     }
     for (int i = 0; i < kUnits; ++i) {
@@ -128,23 +101,7 @@ TEST(SemQueue, NoUnitIsLostOrDoubledUnderTimeOuts) {
     }
     stop = true;
     for (auto& taker : takers) taker.join();
-    int left = 0;
-    while (semaphore.Wait(0) == 1) ++left;
-    EXPECT_EQ(taken + left, kUnits);
-}
-
-template <class S>
-void ExpectUsableChainStorage() {
-    void* const node = AllocEventChain<S>();
-    ASSERT_NE(node, nullptr);
-    std::memset(node, 0xAB, sizeof(OrvEventChain<S>));
-    FreeEventChain<S>(node);
-}
-
-TEST(EventChain, StorageOfEveryLockKindIsLargeEnough) {
-    ExpectUsableChainStorage<critSec>();
-    ExpectUsableChainStorage<mutex>();
-    ExpectUsableChainStorage<nullSync>();
+    EXPECT_EQ(taken + Take(semaphore, kUnits), kUnits);
 }
 
 }  // namespace

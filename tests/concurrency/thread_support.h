@@ -1,39 +1,73 @@
 #pragma once
 
+#include <unistd.h>
+
+#include <atomic>
 #include <fstream>
-#include <sstream>
+#include <list>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include "dorvutil/concurrency/event.h"
 #include "dorvutil/concurrency/thread.h"
+#include "dorvutil/platform/thread.h"
 
-/// What the thread tests share. A sanitizer keeps its own account of threads and faults, which some tests would upset.
-#if defined(__SANITIZE_THREAD__)
-#define DORVUTIL_TSAN 1
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define DORVUTIL_TSAN 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-#define DORVUTIL_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define DORVUTIL_ASAN 1
-#endif
-#endif
-#ifndef DORVUTIL_TSAN
-#define DORVUTIL_TSAN 0
-#endif
-#ifndef DORVUTIL_ASAN
-#define DORVUTIL_ASAN 0
-#endif
+extern "C" [[gnu::weak]] void __tsan_init();
+extern "C" [[gnu::weak]] void __asan_init();
 
 namespace dorvutil::test {
 
-inline constexpr bool kThreadSanitizer = DORVUTIL_TSAN != 0;
-inline constexpr bool kAnySanitizer = DORVUTIL_TSAN != 0 || DORVUTIL_ASAN != 0;
+// A sanitizer keeps its own account of threads and faults, which some tests would upset.
+inline const bool kThreadSanitizer = __tsan_init != nullptr;
+inline const bool kAnySanitizer = kThreadSanitizer || __asan_init != nullptr;
 inline constexpr std::int32_t kSoonMs = 20'000;  // long enough for any machine, short enough to report a hang
+
+/// A name of this run alone, so that two runs of the suite do not meet.
+inline std::string UniqueName(const std::string& topic) {
+    return "dorvutil test/" + std::to_string(::getpid()) + " " + topic;
+}
+
+/// A thread that runs `work`, which is expected to block.
+class SleepingThread {
+public:
+    template <class F>
+    explicit SleepingThread(F work)
+        : m_thread([this, work = std::move(work)] {
+              m_id = platform::CurrentThreadId();
+              work();
+              m_done = true;
+          }) {}
+    ~SleepingThread() { Join(); }
+
+    /// Returns once the system shows the thread asleep, or its work is done.
+    void WaitUntilAsleep() const {
+        while (m_id == 0) std::this_thread::yield();
+        const std::string path = "/proc/self/task/" + std::to_string(m_id) + "/stat";
+        for (std::string stat; !m_done && stat.find(") S") == std::string::npos; std::this_thread::yield()) {
+            std::getline(std::ifstream(path), stat);
+        }
+    }
+
+    bool Done() const { return m_done; }
+    void Join() {
+        if (m_thread.joinable()) m_thread.join();
+    }
+    std::thread::native_handle_type Handle() { return m_thread.native_handle(); }
+
+private:
+    std::atomic<std::uint32_t> m_id{0};
+    std::atomic<bool> m_done{false};
+    std::thread m_thread;
+};
+
+using Sleepers = std::list<SleepingThread>;
+
+/// A library thread of normal priority; the caller has its reference.
+inline MThread* Create(ThreadFunction function, void* argument, bool deferred, const char* name = "tested",
+                       std::int32_t stackSize = 8192) {
+    return CreateThread(name, function, argument, eThreadPriorityNormal, stackSize, deferred);
+}
 
 /// A thread that says it is there, waits at the gate, and says that it went through.
 struct GateKeeper {
@@ -51,26 +85,5 @@ struct GateKeeper {
     bool Entered() const { return inside.WaitForEvent(kSoonMs) == 1; }
     bool Through() const { return through.WaitForEvent(kSoonMs) == 1; }
 };
-
-/// The name the system keeps for the calling thread.
-inline std::string SystemThreadName() {
-    std::ifstream file("/proc/thread-self/comm");
-    std::string name;
-    std::getline(file, name);
-    return name;
-}
-
-/// The calling thread's nice value.
-inline int SystemNiceValue() {
-    std::ifstream file("/proc/thread-self/stat");
-    std::string text;
-    std::getline(file, text);
-    std::istringstream fields(text.substr(text.rfind(')') + 1));
-    std::string skipped;
-    for (int i = 0; i < 16; ++i) fields >> skipped;  // state … priority
-    int nice = 99;
-    fields >> nice;
-    return nice;
-}
 
 }  // namespace dorvutil::test

@@ -1,41 +1,36 @@
 #include "dorvutil/concurrency/worker.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <memory>
-#include <semaphore>
-#include <string>
-#include <thread>
 #include <vector>
 
 #include "concurrency/thread_support.h"
+#include "dorvutil/concurrency/semaphore.h"
 #include "dorvutil/platform/clock.h"
+#include "dorvutil/platform/wait_word.h"
 
 namespace dorvutil {
 namespace {
 
 using test::kSoonMs;
 
-// Writes down what its thread does: i(nit), w(ork), r(elinquish), c(leanup). Work is a counted signal.
+// Writes down what its thread does: i(nit), w(ork), c(leanup). Work is a counted signal.
 class TestWorker : public CWorkerThread {
 public:
-    explicit TestWorker(bool keepRest = false, std::int32_t stackSize = 8192)
-        : CWorkerThread("worker", eThreadPriorityNormal, stackSize), m_keepRest(keepRest) {}
+    explicit TestWorker(bool rests = false) : CWorkerThread("worker", eThreadPriorityNormal, 8192), m_rests(rests) {}
     ~TestWorker() override {
         gate.SignalEvent();
         Stop(true);
     }
 
     bool SignalWork() override {
-        m_signals.release();
+        m_signals.Release(1);
+        signalled.SignalEvent();
         return true;
     }
     bool WaitForWork() override {
         waiting.SignalEvent();
-        m_signals.acquire();
+        m_signals.Wait(kWaitForever);
         return true;
     }
     bool ThreadDoWork() override {
@@ -54,59 +49,49 @@ public:
         inWork = false;
         return true;
     }
-    bool ThreadInit() override {
-        log += 'i';
-        return true;
-    }
-    bool ThreadCleanup() override {
-        log += 'c';
-        return true;
-    }
+    bool ThreadInit() override { return !(log += 'i').empty(); }
+    bool ThreadCleanup() override { return !(log += 'c').empty(); }
     void Relinquish() override {
-        if (m_keepRest) CWorkerThread::Relinquish();
+        resting.SignalEvent();
+        if (m_rests) CWorkerThread::Relinquish();
     }
 
     void Ask(std::int32_t units = 1) {
         finished.ClearEvent();
-        for (std::int32_t i = 0; i < units; ++i) {
-            ++asked;
-            SignalWork();
-        }
+        asked += units;
+        for (std::int32_t i = 0; i < units; ++i) SignalWork();
     }
     bool Finished() const { return finished.WaitForEvent(kSoonMs) == 1; }
 
-    event waiting, entered, finished;
+    event waiting, entered, resting, finished;
+    event signalled{false};
     event gate;  // closed: ThreadDoWork stays inside
     std::atomic<bool> inWork{false};
     std::atomic<std::int32_t> asked{0}, done{0};
     std::string log;  // the worker thread's; read after Stop
 
 private:
-    std::counting_semaphore<> m_signals{0};
-    const bool m_keepRest;
+    TSem<critSec> m_signals;
+    const bool m_rests;
 };
 
-TEST(Worker, DoesNothingBeforeItsStartAndGoesUnstarted) {
-    TestWorker worker;
-    worker.Ask();
-    EXPECT_TRUE(worker.IsRunning());
-    EXPECT_STREQ(worker.GetThreadName(), "worker");
-    EXPECT_EQ(worker.waiting.WaitForEvent(5), 0);
-    EXPECT_EQ(worker.log, "");
-    struct Idle : CWorkerThread {
-        Idle() : CWorkerThread("idle", eThreadPriorityNormal, 0) {}
-        bool SignalWork() override { return true; }
-        bool WaitForWork() override { return true; }
-        bool ThreadDoWork() override { return true; }
-    };
-    std::make_unique<Idle>().reset();  // no Stop in its destructor
-}
+// Opens two of a worker's events to a test that stands between the steps of a Pause.
+event& ActionOf(CWorkerThread& worker);
+event& RunOf(CWorkerThread& worker);
+template <event CWorkerThread::*kAction, event CWorkerThread::*kRun>
+struct Opened {
+    friend event& ActionOf(CWorkerThread& worker) { return worker.*kAction; }
+    friend event& RunOf(CWorkerThread& worker) { return worker.*kRun; }
+};
+template struct Opened<&CWorkerThread::m_actionEvent, &CWorkerThread::m_runEvent>;
 
-TEST(Worker, WorksBetweenInitAndCleanup) {
+TEST(Worker, WorksFromItsStartBetweenInitAndCleanup) {
     TestWorker worker;
     worker.gate.SignalEvent();
-    EXPECT_TRUE(worker.Start(true));
     worker.Ask(3);
+    EXPECT_TRUE(worker.IsRunning());
+    EXPECT_EQ(worker.waiting.WaitForEvent(5), 0);
+    EXPECT_TRUE(worker.Start(true));
     ASSERT_TRUE(worker.Finished());
     EXPECT_TRUE(worker.Stop(true));
     EXPECT_EQ(worker.log, "iwwwc");
@@ -118,105 +103,71 @@ TEST(Worker, WorksBetweenInitAndCleanup) {
 }
 
 TEST(Worker, StopEndsItFromEveryState) {
-    enum State { kNew, kPausedNew, kStarted, kWaiting, kPaused };
-    for (const State state : {kNew, kPausedNew, kStarted, kWaiting, kPaused}) {
+    enum State { kNew, kPausedNew, kStarted, kWaiting, kPaused, kWorking };
+    for (const State state : {kNew, kPausedNew, kStarted, kWaiting, kPaused, kWorking}) {
         for (const bool wait : {true, false}) {
-            SCOPED_TRACE(state);
+            SCOPED_TRACE(testing::Message() << "state " << state << ", wait " << wait);
             TestWorker worker;
             if (state >= kStarted) worker.Start(false);
             if (state >= kWaiting) worker.waiting.WaitForEvent(kSoonMs);
             EXPECT_TRUE((state != kPausedNew && state != kPaused) || worker.Pause(true));
+            if (state == kWorking) {
+                worker.Ask(2);
+                worker.entered.WaitForEvent(kSoonMs);
+                EXPECT_FALSE(worker.Stop(false));
+                worker.gate.SignalEvent();
+            }
             EXPECT_EQ(worker.Stop(wait), wait);
             EXPECT_TRUE(wait || worker.Stop(true));
-            EXPECT_EQ(worker.log, "ic");
+            EXPECT_EQ(worker.log, state == kWorking ? "iwc" : "ic");
         }
     }
 }
 
-TEST(Worker, WithoutAThreadItsStatesAreNeverReached) {
-    if (test::kAnySanitizer) GTEST_SKIP() << "a sanitizer needs more address space than that";
-    testing::GTEST_FLAG(death_test_style) = "threadsafe";
-    const auto tryInVain = [] {
-        const rlimit limit{rlim_t{1} << 30, rlim_t{1} << 30};
-        setrlimit(RLIMIT_AS, &limit);
-        {
-            TestWorker worker(false, 0x7FFFFFFF);
-            EXPECT_FALSE(worker.IsRunning());
-            EXPECT_TRUE(worker.Start(true));
-            EXPECT_FALSE(worker.Pause(true));
-            EXPECT_FALSE(worker.Stop(true));
-        }
-        std::_Exit(testing::Test::HasFailure() ? 1 : 0);
-    };
-    EXPECT_EXIT(tryInVain(), testing::ExitedWithCode(0), "");
-}
-
-TEST(Worker, WorkSignalledDuringAPauseIsDoneAfterStart) {
-    TestWorker worker;
-    worker.gate.SignalEvent();
-    worker.Start(true);
-    ASSERT_EQ(worker.waiting.WaitForEvent(kSoonMs), 1);
-    EXPECT_FALSE(worker.Pause(false));
-    EXPECT_TRUE(worker.Pause(true));
-    worker.Ask(2);
-    EXPECT_EQ(worker.entered.WaitForEvent(20), 0);
-    worker.Start(true);
-    EXPECT_TRUE(worker.Finished());
-    EXPECT_EQ(worker.done, 2);
-}
-
-TEST(Worker, PauseWithWaitLastsUntilTheUnitIsDone) {
+TEST(Worker, PauseWithWaitLastsUntilTheUnitIsDoneAndKeepsTheOthersForTheStart) {
     TestWorker worker;
     worker.Start(true);
     worker.Ask(2);
     ASSERT_EQ(worker.entered.WaitForEvent(kSoonMs), 1);
     EXPECT_FALSE(worker.Pause(false));  // at once, in the middle of the unit
     EXPECT_TRUE(worker.inWork);
-    event paused;
-    std::thread pauser([&] {
+    test::SleepingThread pauser([&] {
         EXPECT_TRUE(worker.Pause(true));
         EXPECT_FALSE(worker.inWork);
-        paused.SignalEvent();
     });
-    EXPECT_EQ(paused.WaitForEvent(30), 0);
+    pauser.WaitUntilAsleep();
+    EXPECT_FALSE(pauser.Done());
     worker.gate.SignalEvent();
-    pauser.join();
+    pauser.Join();
+    worker.Ask();
+    EXPECT_EQ(worker.finished.WaitForEvent(20), 0);
     EXPECT_EQ(worker.done, 1);
-}
-
-TEST(Worker, StopWithWaitInTheMiddleOfAUnitLetsItFinish) {
-    TestWorker worker;
     worker.Start(true);
-    worker.Ask(2);
-    ASSERT_EQ(worker.entered.WaitForEvent(kSoonMs), 1);
-    EXPECT_FALSE(worker.Stop(false));
-    worker.gate.SignalEvent();
-    EXPECT_TRUE(worker.Stop(true));
-    EXPECT_EQ(worker.log, "iwc");
+    EXPECT_TRUE(worker.Finished());
+    EXPECT_EQ(worker.done, 3);
 }
 
-// Whoever has paused with wait sees no work begin until somebody starts again: with one pauser, itself.
-TEST(Worker, NoUnitBeginsBehindAPauseWithWait) {
+// The steps of a Pause with wait, at every point of the worker's turn: while the action event is held the worker turns
+// without working, and what it saw of the run event before the pause does not count after it.
+TEST(Worker, NoUnitBeginsDuringOrBehindAPauseThatCameInBetween) {
     TestWorker worker;
     worker.gate.SignalEvent();
-    std::atomic<bool> end{false};
-    std::thread asker([&] {
-        while (!end) {
-            worker.Ask();
-            std::this_thread::yield();
-        }
-    });
-    for (int i = 0; i < 300; ++i) {
-        worker.Start(i % 2 == 0);
+    worker.Pause(true);
+    worker.Ask();
+    for (int round = 0; round < 500 && worker.done == 0; ++round) {
+        ActionOf(worker).WaitForEvent(kWaitForever);
+        worker.signalled.ClearEvent();
+        RunOf(worker).SignalEvent();
+        const bool turned = worker.signalled.WaitForEvent(kSoonMs) == 1;
+        for (int spin = 0; spin < round % 16; ++spin) platform::SpinPause();
+        RunOf(worker).ClearEvent();
+        ActionOf(worker).SignalEvent();
         std::this_thread::yield();
-        ASSERT_TRUE(worker.Pause(true));
-        const std::int32_t done = worker.done;
-        for (int k = 0; k < 20; ++k) std::this_thread::yield();
-        ASSERT_FALSE(worker.inWork);
-        ASSERT_EQ(worker.done, done);
+        ASSERT_TRUE(turned) << "the work noticed was lost";
     }
-    end = true;
-    asker.join();
+    EXPECT_EQ(worker.done, 0);
+    worker.Start(true);
+    EXPECT_TRUE(worker.Finished());
 }
 
 TEST(Worker, NothingIsLostWhileThreadsStartAndPauseIt) {
@@ -251,31 +202,18 @@ TEST(WorkerRelinquish, KeepsUnitsTenMillisecondsApart) {
 }
 
 TEST(WorkerRelinquish, EndsWhenARequestComes) {
-    struct Counting : TestWorker {
-        Counting() : TestWorker(true) {}
-        ~Counting() override { Stop(true); }
-        void Relinquish() override {
-            resting.SignalEvent();
-            TestWorker::Relinquish();
-            ++rests;
-        }
-        event resting;
-        std::atomic<int> rests{0};
-    };
-    // A rest that runs its full time again and again would take half a second.
-    const std::uint32_t before = platform::TickCount();
     std::uint32_t spent = 0;
     for (int i = 0; i < 50; ++i) {
-        Counting worker;
+        TestWorker worker(true);
         worker.gate.SignalEvent();
         worker.Ask();
         worker.Start(true);
         ASSERT_EQ(worker.resting.WaitForEvent(kSoonMs), 1);
-        const std::uint32_t asked = platform::TickCount();
+        spent -= platform::TickCount();
         EXPECT_TRUE(worker.Stop(true));
-        spent += platform::TickCount() - asked;
+        spent += platform::TickCount();
     }
-    EXPECT_LT(spent, 250u) << "of " << platform::TickCount() - before;
+    EXPECT_LT(spent, 250u) << "rests that run their full time would take 500";
 }
 
 }  // namespace

@@ -30,6 +30,7 @@ int Units(L& list) {
 }
 
 TEST(SyncList, EventsFollowTheCountAndTheSemaphoreCountsAdditions) {
+    Item::Reset();
     Events list;
     EXPECT_EQ(StateOf(list), "empty");
     EXPECT_EQ(list.TakeFront(), nullptr);
@@ -37,7 +38,10 @@ TEST(SyncList, EventsFollowTheCountAndTheSemaphoreCountsAdditions) {
     EXPECT_EQ(list.Add(new Item(2), true), 2);
     EXPECT_EQ(StateOf(list), "present");
     EXPECT_EQ(Units(list), 1) << "the silent addition does not count";
+    list.Insert(new Item(0), 0, true);
     delete list.TakeFront();
+    delete list.TakeFront();
+    EXPECT_EQ(Item::s_deaths, (std::vector<std::int32_t>{0, 1}));
     EXPECT_EQ(StateOf(list), "present");
     EXPECT_TRUE(list.DeleteAt(0));
     EXPECT_EQ(StateOf(list), "empty");
@@ -60,42 +64,23 @@ TEST(SyncList, AFailedAdditionSignalsNothing) {
     EXPECT_EQ(Units(list), 0);
 }
 
-TEST(SyncList, TakesFromTheFront) {
-    Events list;
-    for (int key = 1; key <= 3; ++key) list.Add(new Item(key));
-    list.Insert(new Item(0), 0);
-    for (int key = 0; key <= 3; ++key) {
-        Item* const item = list.TakeFront();
-        EXPECT_EQ(item->m_key, key);
-        delete item;
-    }
-}
-
 TEST(SyncListRc, HoldsAReferenceForEachElement) {
     auto* const shared = new Shared(1);
     shared->Ref();
     {
-        Counted list;
-        list.Add(shared);
+        Counted list, full;
         list.Add(shared);
         list.Insert(shared, 0, true);
-        EXPECT_EQ(shared->References(), 4);
         EXPECT_EQ(list.TakeFront(), shared);
-        EXPECT_EQ(shared->References(), 4) << "the taker has it now";
-        shared->Unref();
+        EXPECT_EQ(shared->References(), 3) << "the taker has it now";
+        EXPECT_EQ(shared->Unref(), 2);
+        const FailingHeap heap(1);
+        EXPECT_EQ(full.Add(shared), -1);
+        EXPECT_EQ(shared->References(), 2);
         list.DeleteAt(0);
-        EXPECT_EQ(shared->References(), 2);
-        list.SetOwnsItems(true);
-        {
-            const FailingHeap heap(1);
-            Counted full;
-            EXPECT_EQ(full.Add(shared), -1);
-        }
-        EXPECT_EQ(shared->References(), 2);
+        EXPECT_EQ(shared->References(), 1);
     }
-    EXPECT_EQ(shared->References(), 1);
-    shared->Unref();
-    EXPECT_EQ(Shared::s_alive, 0);
+    EXPECT_EQ(shared->Unref(), 0);
 }
 
 TEST(SyncListRc, ProducersAndConsumersLoseNothing) {
@@ -138,32 +123,27 @@ struct QueueTest : testing::Test {
     PriorityQueue_TS<Item> m_queue;
 };
 
-TEST_F(QueueTest, ADuplicateTakesThePlaceOfTheWaitingOne) {
-    EXPECT_EQ(Put(7, 1), 0);
-    EXPECT_EQ(Put(8, 2), 1);
-    EXPECT_EQ(Put(7, 3), 0);
-    EXPECT_EQ(Item::s_deaths, std::vector<std::int32_t>{7});
-    EXPECT_EQ(Units(m_queue), 2) << "replacing releases nothing";
-    EXPECT_EQ(Take(), 3);
-    EXPECT_EQ(Take(), 2);
-    EXPECT_EQ(Take(), -1);
-}
-
-TEST_F(QueueTest, WithoutReplacementTheNewcomerGoes) {
-    m_queue.SetReplaceDuplicate(false);
-    EXPECT_EQ(Put(7, 1), 0);
-    EXPECT_EQ(Put(7, 2), -1);
-    EXPECT_EQ(Item::s_alive, 1);
-    EXPECT_EQ(Units(m_queue), 1);
-    EXPECT_EQ(Take(), 1);
-}
-
-TEST_F(QueueTest, DuplicatesMayBeAllowed) {
-    m_queue.SetAllowDuplicates(true);
-    EXPECT_EQ(Put(7, 1), 0);
-    EXPECT_EQ(Put(7, 2), 1);
-    EXPECT_EQ(Units(m_queue), 2);
-    EXPECT_EQ(m_queue.Count(), 2u);
+TEST_F(QueueTest, ADuplicateTakesThePlaceOfTheWaitingOneUnlessToldOtherwise) {
+    static const struct {
+        const char* name;
+        bool allowed, replaced;
+        std::int32_t index;  // of the duplicate
+        int units;
+        std::vector<std::int32_t> taken;
+    } kCases[] = {{"replaces", false, true, 0, 2, {3, 2, -1}},
+                  {"is refused", false, false, -1, 2, {1, 2, -1}},
+                  {"is allowed", true, true, 2, 3, {1, 2, 3}}};
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        m_queue.SetAllowDuplicates(c.allowed);
+        m_queue.SetReplaceDuplicate(c.replaced);
+        EXPECT_EQ(Put(7, 1), 0);
+        EXPECT_EQ(Put(8, 2), 1);
+        EXPECT_EQ(Put(7, 3), c.index);
+        EXPECT_EQ(Item::s_alive, c.units);
+        EXPECT_EQ(Units(m_queue), c.units) << "only what was inserted counts";
+        for (const std::int32_t serial : c.taken) EXPECT_EQ(Take(), serial);
+    }
 }
 
 TEST_F(QueueTest, RemovingByKeyReleasesOnce) {

@@ -1,25 +1,18 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <vector>
 
-#include "dorvutil/memory/vector.h"
 #include "dorvutil/storage/memory_handle.h"
+#include "memory/vector_support.h"
 
 namespace dorvutil {
 namespace {
 
+using test::Held;
+using test::Made;
 using Numbers = TVector<std::uint32_t>;
 using Model = std::vector<std::uint32_t>;
 using Bytes = std::vector<unsigned char>;
-
-Numbers Made(const Model& values) {
-    Numbers v;
-    v.Add(values.data(), static_cast<std::uint32_t>(values.size()));
-    return v;
-}
-
-Model Held(const Numbers& v) { return Model(v.begin(), v.end()); }
 
 struct MemoryFile : COrvFileHandleMemory {
     MemoryFile() : COrvFileHandleMemory(eAccessReadWrite) { Open(); }
@@ -33,41 +26,34 @@ struct MemoryFile : COrvFileHandleMemory {
 Bytes Header(std::uint32_t value, bool fast, std::uint32_t chunk, bool isPrivate, std::uint32_t capacity,
              std::uint32_t count, std::size_t elementBytes) {
     Bytes bytes(18 + elementBytes, 0x11);
-    std::memcpy(&bytes[0], &value, 4);
+    for (const auto& [at, word] : {std::pair{0, value}, {5, chunk}, {10, capacity}, {14, count}}) {
+        std::memcpy(&bytes[static_cast<std::size_t>(at)], &word, 4);
+    }
     bytes[4] = fast;
-    std::memcpy(&bytes[5], &chunk, 4);
     bytes[9] = isPrivate;
-    std::memcpy(&bytes[10], &capacity, 4);
-    std::memcpy(&bytes[14], &count, 4);
     return bytes;
 }
 
-TEST(VectorFlatten, AnEmptyVectorIsEighteenBytes) {
-    MemoryFile file;
-    EXPECT_TRUE(Numbers().FlattenMe(&file));
-    EXPECT_EQ(file.Written(), Header(0, true, 8, false, 0, 0, 0));
-}
-
 TEST(VectorFlatten, BothFormsWriteAndReadTheSame) {
-    Numbers v = Made({1, 2, 0xFFFFFFFFu});
-    v.SetDefault(0x01020304u);
-    v.SetPrivate(true);
-    v.SetChunkSize(11);
-    MemoryFile block, items;
-    EXPECT_TRUE(v.FlattenMe(&block));
-    EXPECT_TRUE(v.FlattenMeByItem(&items));
-    EXPECT_EQ(block.Written(), items.Written());
-    EXPECT_EQ(block.Written().size(), 18u + 12);
-    for (const bool byItem : {false, true}) {
-        MemoryFile file(block.Written());
-        Numbers back = Made({9, 9, 9, 9, 9, 9, 9, 9, 9});
-        EXPECT_TRUE(byItem ? back.UnflattenMeByItem(&file) : back.UnflattenMe(&file));
-        EXPECT_EQ(back, v);
-        EXPECT_EQ(back.Default(), 0x01020304u);
-        EXPECT_FALSE(back.FastFill());
-        EXPECT_TRUE(back.Private());
-        EXPECT_EQ(back.ChunkSize(), 11u);
-        EXPECT_EQ(back.Capacity(), v.Capacity());
+    for (const Model& values : {Model{}, Model{1, 2, 0xFFFFFFFFu}}) {
+        Numbers v = Made(values);
+        v.SetDefault(0x01020304u);
+        v.SetPrivate(true);
+        v.SetChunkSize(11);
+        MemoryFile block, items;
+        EXPECT_TRUE(v.FlattenMe(&block) && v.FlattenMeByItem(&items));
+        EXPECT_EQ(block.Written(), items.Written());
+        Bytes expected = Header(0x01020304u, false, 11, true, v.Capacity(), v.Count(), v.ByteCount());
+        if (!values.empty()) std::memcpy(&expected[18], values.data(), v.ByteCount());
+        EXPECT_EQ(block.Written(), expected);
+        for (const bool byItem : {false, true}) {
+            MemoryFile file(block.Written());
+            Numbers back = Made<std::uint32_t>({9, 9, 9, 9, 9, 9, 9, 9, 9});
+            EXPECT_TRUE(byItem ? back.UnflattenMeByItem(&file) : back.UnflattenMe(&file));
+            MemoryFile again;
+            EXPECT_TRUE(back.FlattenMe(&again));
+            EXPECT_EQ(again.Written(), expected);
+        }
     }
 }
 
@@ -82,7 +68,7 @@ TEST(VectorUnflatten, TakesTheHeaderAsStored) {
     EXPECT_EQ(Held(v), (Model{0x04040404u, 0x04040404u, 0x04040404u})) << "the stored flag rules the fill";
     EXPECT_EQ(memory[0], 1u);
     file.Seek(0, eSeekSet);
-    Numbers keeping = Made({7, 8, 9, 10});
+    Numbers keeping = Made<std::uint32_t>({7, 8, 9, 10});
     keeping.SetDefault(5);
     EXPECT_TRUE(keeping.UnflattenMeAdmin(&file, true));
     EXPECT_EQ(keeping.Default(), 5u);
@@ -108,7 +94,7 @@ TEST(VectorUnflatten, DamagedInputGivesAnEmptyVectorOrNone) {
         for (const bool byItem : {false, true}) {
             SCOPED_TRACE(c.name);
             MemoryFile file(c.bytes);
-            Numbers v = Made({42});
+            Numbers v = Made<std::uint32_t>({42});
             EXPECT_FALSE(byItem ? v.UnflattenMeByItem(&file) : v.UnflattenMe(&file));
             EXPECT_EQ(v.Count(), c.left);
             EXPECT_EQ(v.Add(1u), static_cast<std::int32_t>(c.left + 1)) << "still usable";
@@ -126,7 +112,7 @@ TEST(VectorFile, WritesRanges) {
         bool result;
         std::size_t bytes;
     } kCases[] = {{0, 0, true, 12}, {1, 1, true, 4}, {1, 99, true, 8}, {2, 0, true, 4}, {3, 0, false, 0}};
-    const Numbers v = Made({1, 2, 3});
+    const Numbers v = Made<std::uint32_t>({1, 2, 3});
     for (const auto& c : kCases) {
         MemoryFile file;
         EXPECT_EQ(v.WriteToFile(&file, c.start, c.n), c.result);
@@ -149,13 +135,13 @@ TEST(VectorFile, ReadsWhatIsThere) {
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.n);
         MemoryFile file(bytes);
-        Numbers v = Made({42});
+        Numbers v = Made<std::uint32_t>({42});
         v.SetDefault(7);
         EXPECT_EQ(v.ReadFromFile(&file, c.n, c.append), c.result);
         EXPECT_EQ(Held(v), c.held);
         EXPECT_EQ(v.Capacity(), c.n > 9 ? 8 : v.Count());
     }
-    Numbers v = Made({42});
+    Numbers v = Made<std::uint32_t>({42});
     EXPECT_FALSE(v.ReadFromFile(nullptr, 0, false));
     std::uint32_t memory[] = {5};
     Numbers wrapped(memory, 1, false);

@@ -110,12 +110,16 @@ int SleepCounted(const EventObject& object, std::uint64_t seen, const timespec* 
                                              std::memory_order_acquire)) {
         if (object.Take(seen)) return 1;
     }
+    seen += kSleeper;
     const std::uint32_t turnsBefore = Turns(seen);
     for (;;) {
+        // Nobody may sleep on a word with a release in it, be it meant for another: once that is taken and the next one
+        // handed out, the word looks the same again, and the call that wakes has passed.
+        if (object.TakeAfterSleep(seen, turnsBefore, false)) return 1;
         const bool inTime = FutexWait(&state.word, Low(seen), deadline, FutexScope::kPrivate);
         seen = state.word.load(std::memory_order_acquire);
-        if (object.TakeAfterSleep(seen, turnsBefore, !inTime)) return 1;
-        if (!inTime) return 0;
+        if (inTime) continue;
+        return object.TakeAfterSleep(seen, turnsBefore, true) ? 1 : 0;
     }
 }
 
