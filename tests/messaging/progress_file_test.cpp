@@ -9,8 +9,7 @@ namespace dorvutil {
 namespace {
 
 // A file in memory, at its start.
-class Bytes : public COrvFileHandleMemory {
-public:
+struct Bytes : COrvFileHandleMemory {
     explicit Bytes(const std::string& content)
         : COrvFileHandleMemory(content.data(), static_cast<std::uint32_t>(content.size()), true, eAccessReadWrite) {
         Open();
@@ -20,93 +19,55 @@ public:
 
 const std::string kSignature("\0\0\0\0\xBC\x3D\xF6\xBB\3\0\x08\0", 12);
 
-TEST(ProgressSignature, IsWrittenByteForByte) {
-    Bytes file("");
-    const CB_Dialog dialog;
-    dialog.WriteMySig(&file);
-    EXPECT_EQ(file.Content().substr(4), kSignature.substr(4));
-    EXPECT_EQ(file.Content().size(), 12u);
-    dialog.WriteMySig(nullptr);
-}
-
 TEST(ProgressSignature, IsKnownByMagicAndVersionAlone) {
-    const struct {
-        const char* name;
-        std::size_t at;
-        char byte;
-        bool good;
-    } kCases[] = {
-        {"as written", 0, 0, true},         {"first byte", 0, '\xFF', true},     {"fourth byte", 3, 1, true},
-        {"magic", 4, '\xBD', false},        {"magic's end", 7, 0, false},        {"version 2", 8, 2, false},
-        {"version high byte", 9, 1, false}, {"the ignored number", 10, 9, true}, {"its high byte", 11, 1, true},
-    };
     const CB_Dialog dialog;
-    for (const auto& c : kCases) {
-        std::string content = kSignature;
-        content[c.at] = c.byte;
-        Bytes file(content + "more");
-        EXPECT_EQ(dialog.CheckMySig(&file), c.good) << c.name;
-        EXPECT_EQ(file.Tell(), 12) << c.name;
+    Bytes written("");
+    dialog.WriteMySig(&written);
+    EXPECT_EQ(written.Content().substr(4), kSignature.substr(4));
+    static constexpr bool kCounts[] = {false, false, false, false, true, true, true, true, true, true, false, false};
+    for (std::size_t at = 0; at < 12; ++at) {
+        std::string content = kSignature + "more";
+        content[at] = static_cast<char>(content[at] ^ 1);
+        Bytes file(content), cut(kSignature.substr(0, at));
+        EXPECT_EQ(dialog.CheckMySig(&file), !kCounts[at]) << at;
+        EXPECT_EQ(file.Tell(), 12) << at;
+        EXPECT_FALSE(dialog.CheckMySig(&cut)) << at;
     }
-    for (std::size_t size = 0; size < 12; ++size) {
-        Bytes cut(kSignature.substr(0, size));
-        EXPECT_FALSE(dialog.CheckMySig(&cut)) << size;
-    }
+    dialog.WriteMySig(nullptr);
     EXPECT_FALSE(dialog.CheckMySig(nullptr));
 }
 
-TEST(ProgressFlattened, IsTheNameOfTheState) {
+TEST(ProgressFlattened, AttachesToTheStateOfThatName) {
     Bytes file("");
     const CB_Dialog named("name"), stateless(0xFFFFFFF0u);
     named.FlattenMe(&file);
     stateless.FlattenMe(&file);
-    EXPECT_EQ(file.Content(), std::string("\4\0name\0\0", 8));
     named.FlattenMe(nullptr);
-}
-
-TEST(ProgressFlattened, AttachesToTheStateOfThatName) {
-    CB_Dialog target("target");
-    target.SetValue1(77);
+    EXPECT_EQ(file.Content(), std::string("\4\0name\0\0", 8));
+    file.Seek(0, eSeekSet);
     CB_Dialog dialog("start");
     const std::uint32_t start = dialog.GetEventID();
-    Bytes file(std::string("\6\0target", 8));
     dialog.UnflattenMe(&file);
-    EXPECT_EQ(dialog.GetValue1(), 77);
+    EXPECT_EQ(dialog.GetEventID(), named.GetEventID());
     EXPECT_EQ(CB_Dialog(start).GetEventID(), 0xFFFFFFFFu) << "the old state has ended";
-    Bytes fresh(std::string("\3\0new", 5));
-    dialog.UnflattenMe(&fresh);
-    EXPECT_EQ(CB_Dialog("new").GetEventID(), dialog.GetEventID());
-}
-
-TEST(ProgressFlattened, NamesOfAnyBytesKeepTheirIdentity) {
-    CB_Dialog first, second;
-    Bytes file1(std::string("\3\0a\0b", 5)), file2(std::string("\3\0a\0c", 5));
-    first.UnflattenMe(&file1);
-    second.UnflattenMe(&file2);
-    EXPECT_NE(first.GetEventID(), second.GetEventID());
-    EXPECT_EQ(CB_Dialog(first).GetEventID(), first.GetEventID());
+    Bytes zero(std::string("\3\0a\0b\3\0a\0c", 10));
+    CB_Dialog other;
+    dialog.UnflattenMe(&zero);
+    other.UnflattenMe(&zero);
+    EXPECT_NE(dialog.GetEventID(), other.GetEventID()) << "names of any bytes keep their identity";
+    EXPECT_EQ(CB_Dialog(dialog).GetEventID(), dialog.GetEventID());
 }
 
 TEST(ProgressFlattened, DamageChangesNothing) {
-    const struct {
-        const char* name;
-        std::string content;
-    } kCases[] = {
-        {"empty file", ""},
-        {"half a length", "\1"},
-        {"empty name", std::string("\0\0", 2)},
-        {"name cut short", std::string("\5\0targ", 6)},
-        {"length only", "\xFF\xFF"},
-    };
-    for (const auto& c : kCases) {
-        CB_Dialog dialog("start");
-        const std::uint32_t id = dialog.GetEventID();
-        Bytes file(c.content);
+    CB_Dialog dialog("start");
+    const std::uint32_t id = dialog.GetEventID();
+    for (const std::string_view content : {std::string_view(""), {"\1"}, {"\0\0", 2}, {"\5\0targ", 6}, {"\xFF\xFF"}}) {
+        Bytes file{std::string(content)};
         dialog.UnflattenMe(&file);
-        EXPECT_EQ(dialog.GetEventID(), id) << c.name;
+        EXPECT_EQ(dialog.GetEventID(), id) << content;
     }
-    CB_Dialog dialog;
     dialog.UnflattenMe(nullptr);
+    EXPECT_EQ(dialog.GetEventID(), id);
 }
 
 }  // namespace

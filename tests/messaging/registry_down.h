@@ -15,9 +15,6 @@ public:
     ~RegistryDown() {
         if (m_down) BringBack();
     }
-    RegistryDown(const RegistryDown&) = delete;
-    RegistryDown& operator=(const RegistryDown&) = delete;
-
     void BringBack() {
         m_down = false;
         GetORVUtilGlobals()->ObtainRef();

@@ -7,7 +7,6 @@
 #include <random>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// Texts, buffers and an independent converter for the tests of the encodings.
 namespace dorvutil::test {
@@ -25,16 +24,10 @@ class Iconv {
 public:
     Iconv(const char* to, const char* from) : m_converter(iconv_open(to, from)) {}
     ~Iconv() { iconv_close(m_converter); }
-    Iconv(const Iconv&) = delete;
-    Iconv& operator=(const Iconv&) = delete;
-
     std::string Convert(std::string_view bytes, bool& ok) {
-        std::string in(bytes);
-        std::string out(bytes.size() * 4 + 16, '\0');
-        char* from = in.data();
-        char* to = out.data();
-        std::size_t fromLeft = in.size();
-        std::size_t toLeft = out.size();
+        std::string in(bytes), out(bytes.size() * 4 + 16, '\0');
+        char *from = in.data(), *to = out.data();
+        std::size_t fromLeft = in.size(), toLeft = out.size();
         iconv(m_converter, nullptr, nullptr, nullptr, nullptr);
         ok = iconv(m_converter, &from, &fromLeft, &to, &toLeft) != static_cast<std::size_t>(-1);
         out.resize(out.size() - toLeft);
@@ -45,31 +38,17 @@ private:
     iconv_t m_converter;
 };
 
-inline std::string_view BytesOf(std::u16string_view text) {
-    return {reinterpret_cast<const char*>(text.data()), text.size() * 2};
-}
-
 inline std::u16string UnitsOf(const std::string& bytes) {
     std::u16string text(bytes.size() / 2, u'\0');
     bytes.copy(reinterpret_cast<char*>(text.data()), bytes.size());
     return text;
 }
 
-inline constexpr std::string_view kSamples[] = {
-    "The quick brown fox jumps over the lazy dog, and then over forty-two more of them.",
-    "Zürich, Genève, São João da Pescaria, Besançon, Malmö, Łódź, Kraków, Čačak, Reykjavík",
-    "Санкт-Петербург, Москва, Нижний Новгород, Екатеринбург, Ростов-на-Дону, Ёлкино",
-    "Αθήνα, Θεσσαλονίκη, Πάτρα, Ηράκλειο, Λάρισα – «Βόλος» … Ιωάννινα, Χανιά",
-    "東京都渋谷区、北京市朝阳区。Straße € 서울특별시 กรุงเทพมหานคร",
-    "😀 U+1F600 🗺️ a𝄞b 𐍈𐍈𐍈 café 🚲🚲🚲🚲🚲🚲🚲🚲🚲🚲",
-};
-
 /// Random numbers of 32 bits, on every system the same.
 class Random {
 public:
     explicit Random(std::uint32_t seed) : m_engine(seed) {}
     std::uint32_t operator()() { return static_cast<std::uint32_t>(m_engine()); }
-    std::size_t Below(std::size_t end) { return (*this)() % end; }
 
 private:
     std::mt19937 m_engine;

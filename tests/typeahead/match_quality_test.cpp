@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <random>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "dorvutil/text/sanitize.h"
 #include "dorvutil/text/string.h"
@@ -14,33 +15,30 @@ namespace dorvutil {
 namespace {
 
 TEST(MatchQuality, Grades) {
-    static const std::string longName = std::string(600, 'x') + " Main";
-    static const std::string middling = std::string(300, 'x') + " Main";
     static const struct {
-        const char* input;
-        const char* display;
+        const char *input, *display;
         MatchQuality expected;
-    } kCases[] = {
-        {"main", "Main Street", MQ_PREFIX},
-        {"st", "Main Street", MQ_WORD_START},
-        {"ain", "Main Street", MQ_INSIDE},
-        {"x", "Main Street", MQ_NONE},
-        {"", "Main Street", MQ_PREFIX},
-        {"", "", MQ_NONE},
-        {"main", "", MQ_NONE},
-        {"stjohns", "St. John's Road", MQ_SANITIZED_PREFIX},
-        {"johns", "St. John's Road", MQ_SANITIZED_INSIDE},
-        {"j", "St.John", MQ_WORD_START},
-        {"b", "A-b", MQ_WORD_START},
-        {"b", "A'b", MQ_INSIDE},
-        {"?!", "Main Street", MQ_SANITIZED_PREFIX},
-        {"?!", "...", MQ_NONE},
-        {"\xC3\xB6st", "\xC3\x96sterreich", MQ_PREFIX},
-        {"main", longName.c_str(), MQ_WORD_START},
-        {"xmain", longName.c_str(), MQ_NONE},  // sanitized texts end before it
-        {"xmain", middling.c_str(), MQ_NONE},
-    };
+    } kCases[] = {{"main", "Main Street", MQ_PREFIX},
+                  {"st", "Main Street", MQ_WORD_START},
+                  {"ain", "Main Street", MQ_INSIDE},
+                  {"x", "Main Street", MQ_NONE},
+                  {"", "Main Street", MQ_PREFIX},
+                  {"", "", MQ_NONE},
+                  {"main", "", MQ_NONE},
+                  {"stjohns", "St. John's Road", MQ_SANITIZED_PREFIX},
+                  {"johns", "St. John's Road", MQ_SANITIZED_INSIDE},
+                  {"j", "St.John", MQ_WORD_START},
+                  {"b", "A-b", MQ_WORD_START},
+                  {"b", "A'b", MQ_INSIDE},
+                  {"?!", "Main Street", MQ_SANITIZED_PREFIX},
+                  {"?!", "...", MQ_NONE},
+                  {"öst", "Österreich", MQ_PREFIX}};
     for (const auto& c : kCases) EXPECT_EQ(GetTypeAheadMatchQuality(c.input, c.display), c.expected) << c.input;
+    for (const std::size_t length : {300u, 600u}) {
+        const std::string name = std::string(length, 'x') + " Main";
+        EXPECT_EQ(GetTypeAheadMatchQuality("main", name.c_str()), MQ_WORD_START);
+        EXPECT_EQ(GetTypeAheadMatchQuality("xmain", name.c_str()), MQ_NONE) << "sanitized texts end before it";
+    }
 }
 
 // The rule in so many words, by string objects.
@@ -53,28 +51,18 @@ MatchQuality PlainGrade(const ORVustring& input, const ORVustring& display) {
     return q > 0 ? MQ_SANITIZED_INSIDE : MQ_NONE;
 }
 
-std::vector<std::string> PlaceNames() {
-    std::ifstream file(DORVUTIL_DATA_DIR "/places.tsv");
-    std::vector<std::string> names;
-    for (std::string line; std::getline(file, line);) names.push_back(line.substr(0, line.find('\t')));
-    return names;
-}
-
 TEST(MatchQuality, RealNamesAgreeWithThePlainForm) {
-    const std::vector<std::string> names = PlaceNames();
-    ASSERT_GT(names.size(), 1000u);
-    int seen[MQ_PREFIX + 1] = {};
-    for (const char* input : {"san", "St ", "\xC5\x82", "a'b", "an-", "alai", "\xC3\xA9", "-", "\xC3"}) {
-        for (const std::string& name : names) {
+    std::ifstream file(DORVUTIL_DATA_DIR "/places.tsv");
+    std::set<MatchQuality> seen;
+    for (std::string name; std::getline(file, name);) {
+        name.resize(std::min(name.size(), name.find('\t')));
+        for (const char* input : {"san", "St ", "\xC5\x82", "a'b", "an-", "alai", "\xC3\xA9", "-", "\xC3"}) {
             const MatchQuality grade = GetTypeAheadMatchQuality(input, name.c_str());
             ASSERT_EQ(grade, PlainGrade(input, name.c_str())) << input << " in " << name;
-            ++seen[grade];
+            seen.insert(grade);
         }
     }
-    for (const MatchQuality grade :
-         {MQ_NONE, MQ_SANITIZED_INSIDE, MQ_INSIDE, MQ_WORD_START, MQ_SANITIZED_PREFIX, MQ_PREFIX}) {
-        EXPECT_GT(seen[grade], 0) << grade;
-    }
+    EXPECT_EQ(seen.size(), 6u);
 }
 
 TEST(MatchQuality, RandomBytesAgreeWithThePlainForm) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <functional>
 #include <mutex>
@@ -13,6 +15,7 @@
 namespace dorvutil::typeahead_test {
 
 using StringResult = TTypeAheadResult<ORVustring>;
+using Names = std::vector<std::string>;
 
 /// A source whose answers a test scripts, and which keeps a record of what it was asked.
 class ScriptedSource : public TypeAheadSource {
@@ -37,12 +40,11 @@ public:
     void Report(const char* display, std::int32_t relevance = 0, bool permanent = false, const char* data = "") {
         ReportResult(new StringResult(display, "", relevance, permanent, this, data));
     }
-    std::vector<std::string> Searches() const { return Copy(m_searches); }
-    std::vector<std::string> Preparations() const { return Copy(m_preparations); }
+    Names Searches() const { return Copy(m_searches); }
+    Names Preparations() const { return Copy(m_preparations); }
 
     std::function<bool(ScriptedSource&)> m_preload;  // set: the source has a preload
-    std::atomic<int> m_preloads{0};
-    std::atomic<int> m_cleanups{0};
+    std::atomic<int> m_preloads{0}, m_cleanups{0};
     std::atomic<int>* m_deleted = nullptr;
 
 protected:
@@ -57,18 +59,17 @@ protected:
     void PrepareSearch(const ORVustring& input) override { Note(m_preparations, input); }
 
 private:
-    std::vector<std::string> Copy(const std::vector<std::string>& record) const {
+    Names Copy(const Names& record) const {
         const std::lock_guard<std::mutex> lock(m_mutex);
         return record;
     }
-    void Note(std::vector<std::string>& record, const ORVustring& input) {
+    void Note(Names& record, const ORVustring& input) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         record.emplace_back(input.c_str());
     }
 
     mutable std::mutex m_mutex;
-    std::vector<std::string> m_searches;
-    std::vector<std::string> m_preparations;
+    Names m_searches, m_preparations;
     const Script m_search;
 };
 
@@ -83,21 +84,37 @@ public:
     void Open() { m_open.SignalEvent(); }
 
 private:
-    event m_entered{true};
-    event m_open{true};
+    event m_entered{true}, m_open{true};
 };
 
 inline constexpr EMsgID kNoMessage = kMessageCount;
 
 /// The list of a handle, brought up to date.
-inline std::vector<std::string> Shown(TypeAheadSearchHandle& handle, std::uint32_t generation) {
-    std::vector<std::string> names;
+inline Names Shown(TypeAheadSearchHandle& handle, std::uint32_t generation) {
+    Names names;
     for (std::uint32_t i = 0, n = handle.NumResults(generation); i < n; ++i) {
         names.emplace_back(handle.GetResult(i, generation)->GetDisplayString().c_str());
     }
     return names;
 }
 
-using Names = std::vector<std::string>;
+/// A handle whose sources go before it.
+template <eSearchThreadingControl kControl>
+struct HandleTest : testing::Test {
+    explicit HandleTest(EMsgID message = kNoMessage) : m_handle(message, kControl) {}
+    ~HandleTest() override { m_handle.FlushSources(); }
+    void TestBody() override {}
+
+    ScriptedSource* Add(TypeAheadSourceID id, ScriptedSource::Script search = {},
+                        std::function<bool(ScriptedSource&)> preload = {}) {
+        auto* const source = new ScriptedSource(id, std::move(search));
+        source->m_preload = std::move(preload);
+        m_handle.GetSourceAdder().AddSource(source);
+        return source;
+    }
+    TypeAheadSearchHandle m_handle;
+};
+
+inline void ReportInput(ScriptedSource& source, const std::string& input) { source.Report(input.c_str()); }
 
 }  // namespace dorvutil::typeahead_test

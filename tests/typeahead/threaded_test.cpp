@@ -11,20 +11,15 @@ namespace {
 
 using namespace typeahead_test;
 
-struct ThreadedHandle : testing::Test {
-    ScriptedSource* Add(TypeAheadSourceID id, ScriptedSource::Script search = {},
-                        std::function<bool(ScriptedSource&)> preload = {}) {
-        auto* const source = new ScriptedSource(id, std::move(search));
-        source->m_preload = std::move(preload);
-        m_handle.GetSourceAdder().AddSource(source);
-        return source;
-    }
-    ~ThreadedHandle() override { m_handle.FlushSources(); }
+using ThreadedHandle = HandleTest<STC_THREADED>;
 
-    TypeAheadSearchHandle m_handle{kNoMessage, STC_THREADED};
-};
-
-void ReportInput(ScriptedSource& source, const std::string& input) { source.Report(input.c_str()); }
+// A search script that reports the text and tells of it.
+auto ReportAndSignal(event& searched) {
+    return [&searched](ScriptedSource& s, const std::string& input) {
+        s.Report(input.c_str());
+        searched.SignalEvent();
+    };
+}
 
 TEST_F(ThreadedHandle, WaitingReturnsTheFinalPeeledResults) {
     ScriptedSource* const source = Add(1, [](ScriptedSource& s, const std::string& input) {
@@ -37,37 +32,21 @@ TEST_F(ThreadedHandle, WaitingReturnsTheFinalPeeledResults) {
     EXPECT_EQ(source->Searches().size(), 20u);
 }
 
-TEST_F(ThreadedHandle, ASourceReadyDuringASearchIsSearchedWithTheCurrentText) {
+TEST_F(ThreadedHandle, ASourceReadyDuringASearchIsSearchedWithTheCurrentTextAndAlone) {
     Gate preload;
-    event searched(true);
-    ScriptedSource* const late = Add(
-        1,
-        [&](ScriptedSource& s, const std::string& input) {
-            s.Report(input.c_str());
-            searched.SignalEvent();
-        },
-        [&](ScriptedSource&) { return preload.Pass(), true; });
+    event searched(true), again(true);
+    ScriptedSource* const late =
+        Add(1, ReportAndSignal(searched), [&](ScriptedSource&) { return preload.Pass(), true; });
     ASSERT_TRUE(preload.WaitUntilEntered());
     m_handle.StartSearch("one", false);
     m_handle.StartSearch("two", false);
     EXPECT_TRUE(late->Searches().empty());
     preload.Open();
     ASSERT_EQ(searched.WaitForEvent(20'000), 1);
+    Add(2, ReportAndSignal(again));
+    ASSERT_EQ(again.WaitForEvent(20'000), 1);
     EXPECT_EQ(late->Searches(), Names{"two"});
-    EXPECT_EQ(Shown(m_handle, 9), Names{"two"});
-}
-
-TEST_F(ThreadedHandle, ASourceAddedLaterIsSearchedWithoutSearchingTheOthersAgain) {
-    ScriptedSource* const first = Add(2, ReportInput);  // preloaded, and so queued, before the other
-    m_handle.StartSearch("text", true);
-    event searched(true);
-    Add(1, [&](ScriptedSource& s, const std::string& input) {
-        s.Report((input + "2").c_str());
-        searched.SignalEvent();
-    });
-    ASSERT_EQ(searched.WaitForEvent(20'000), 1);
-    EXPECT_EQ(first->Searches(), Names{"text"});
-    EXPECT_EQ(Shown(m_handle, 9), (Names{"text", "text2"}));
+    EXPECT_EQ(Shown(m_handle, 9), Names{"two"}) << "equal results are one";
 }
 
 TEST_F(ThreadedHandle, AFailedPreloadKeepsTheSourceOut) {
@@ -116,21 +95,20 @@ TEST_F(ThreadedHandle, DataThatChangesDuringALongSearchRestartsItOnce) {
     for (const bool fromInside : {false, true}) {
         Gate gate;
         std::atomic<int> calls{0};
-        TypeAheadSearchHandle handle(kNoMessage, STC_THREADED);
-        auto* const quick = new ScriptedSource(14, ReportInput);
-        auto* const slow = new ScriptedSource(1, [&](ScriptedSource& s, const std::string& input) {
+        ThreadedHandle one;
+        ScriptedSource *const quick = new ScriptedSource(14, ReportInput), *slow = nullptr;
+        slow = new ScriptedSource(1, [&](ScriptedSource& s, const std::string& input) {
             if (++calls == 1) {
                 if (fromInside) s.OnDataChanged(true);
                 gate.Pass();
             }
             s.Report(input.c_str());
         });
-        {
-            const TypeAheadSourceAdder adder = handle.GetSourceAdder();
-            adder.AddSource(slow);
-            adder.AddSource(quick);
+        for (const TypeAheadSourceAdder adder = one.m_handle.GetSourceAdder();
+             ScriptedSource* const s : {slow, quick}) {
+            adder.AddSource(s);
         }
-        std::thread searcher([&] { handle.StartSearch("text", true); });
+        std::thread searcher([&] { one.m_handle.StartSearch("text", true); });
         ASSERT_TRUE(gate.WaitUntilEntered());
         slow->OnDataChanged(false);
         quick->OnDataChanged(true);
@@ -138,20 +116,17 @@ TEST_F(ThreadedHandle, DataThatChangesDuringALongSearchRestartsItOnce) {
         searcher.join();
         EXPECT_EQ(slow->Searches(), (Names{"text", "text"})) << fromInside;
         EXPECT_EQ(quick->Searches(), (Names{"text", "text"})) << fromInside;
-        handle.FlushSources();
     }
 }
 
 TEST_F(ThreadedHandle, DataThatChangesAtRestIsSearchedForItsSourceAlone) {
     event again(true);
     std::atomic<int> calls{0};
-    ScriptedSource* const changing = Add(
-        1,
-        [&](ScriptedSource& s, const std::string&) {
-            s.Report(("version " + std::to_string(++calls)).c_str());
-            if (calls == 2) again.SignalEvent();
-        },
-        [](ScriptedSource&) { return true; });
+    const auto search = [&](ScriptedSource& s, const std::string&) {
+        s.Report(("version " + std::to_string(++calls)).c_str());
+        if (calls == 2) again.SignalEvent();
+    };
+    ScriptedSource* const changing = Add(1, search, [](ScriptedSource&) { return true; });
     ScriptedSource* const other = Add(2, ReportInput);
     m_handle.StartSearch("text", true);
     changing->OnDataChanged(true);
@@ -203,10 +178,8 @@ TEST(TypeAheadThreads, AUnitForAQueuedSourceTakesItsPlace) {
     CB_Dialog sink;
     one.DoPreload(sink);
     two.DoPreload(sink);
-    TVector<TypeAheadSource*> both, first;
-    both.Add(&one);
-    both.Add(&two);
-    first.Add(&one);
+    TypeAheadSource* sources[] = {&one, &two};
+    const TVector<TypeAheadSource*> both(sources, 2, false), first(sources, 1, false);
     TypeAheadSearchParams params;
     params.m_searchOwner = &handle;
     params.SetInput("old");
@@ -223,28 +196,28 @@ TEST(TypeAheadThreads, AUnitForAQueuedSourceTakesItsPlace) {
 
 TEST(TypeAheadThreads, HandlesComeAndGoWhileOthersSearch) {
     std::atomic<int> deleted{0};
-    const auto session = [&](int rounds) {
-        for (int i = 0; i < rounds; ++i) {
+    const auto session = [&] {
+        for (int i = 0; i < 40; ++i) {
             TypeAheadSearchHandle handle(kNoMessage, i % 5 == 4 ? STC_SYNCHRONOUS : STC_THREADED);
             auto* const loaded = new ScriptedSource(1, ReportInput);
             auto* const plain = new ScriptedSource(2, [](ScriptedSource& s, const std::string& input) {
                 for (int k = 0; k < 20 && !s.IsCanceled(); ++k) s.Report((input + std::to_string(k)).c_str());
             });
             loaded->m_preload = [](ScriptedSource&) { return true; };
-            loaded->m_deleted = plain->m_deleted = &deleted;
-            handle.GetSourceAdder().AddSource(loaded);
-            handle.GetSourceAdder().AddSource(plain);
+            for (ScriptedSource* const source : {loaded, plain}) {
+                source->m_deleted = &deleted;
+                handle.GetSourceAdder().AddSource(source);
+            }
             handle.StartSearch("abc", i % 2 == 0);
             Shown(handle, static_cast<std::uint32_t>(1000 + i));
             handle.StartSearch("abcd", false);
-            if (i % 3 == 0) handle.FlushSources();
             if (i % 3 == 1) handle.CancelSearch();
             if (i % 3 == 2) handle.Cleanup();
-            if (i % 3 != 0) handle.FlushSources();
+            handle.FlushSources();
         }
     };
-    std::thread one(session, 40), two(session, 40);
-    session(40);
+    std::thread one(session), two(session);
+    session();
     one.join();
     two.join();
     EXPECT_EQ(deleted, 240);
@@ -253,24 +226,20 @@ TEST(TypeAheadThreads, HandlesComeAndGoWhileOthersSearch) {
 TEST(TypeAheadThreads, AHandleEndsInTheMiddleOfASearch) {
     for (int i = 0; i < 30; ++i) {
         event searching(true);
-        std::atomic<bool> gone{false};
+        std::atomic<bool> gone{false}, stop{false};
         std::atomic<int> late{0};
         ScriptedSource busy(1, [&](ScriptedSource& s, const std::string& input) {
-            searching.SignalEvent();
-            while (!s.IsCanceled()) {
+            for (searching.SignalEvent(); !s.IsCanceled();) {
                 if (gone) ++late;
                 s.Report(input.c_str());
-                if (s.IsCanceled()) break;
             }
         });
-        std::atomic<bool> stop{false};
-        std::thread changer;
         {
             TypeAheadSearchHandle handle(kNoMessage, STC_THREADED);
             handle.GetSourceAdder().AddSource(&busy);
             handle.StartSearch("text", false);
             ASSERT_EQ(searching.WaitForEvent(20'000), 1);
-            changer = std::thread([&] {
+            std::thread changer([&] {
                 while (!stop) busy.OnDataChanged(true);
             });
             if (i % 2 == 0) handle.StartSearch("more", false);
@@ -282,27 +251,19 @@ TEST(TypeAheadThreads, AHandleEndsInTheMiddleOfASearch) {
     }
 }
 
-TEST(TypeAheadThreads, ChangesHammeredDuringSearchesLeaveTheNewestText) {
-    TypeAheadSearchHandle handle(kNoMessage, STC_THREADED);
-    auto* const loaded = new ScriptedSource(1, ReportInput);
-    auto* const plain =
-        new ScriptedSource(2, [](ScriptedSource& s, const std::string& input) { s.Report((input + "2").c_str()); });
-    loaded->m_preload = [](ScriptedSource&) { return true; };
-    handle.GetSourceAdder().AddSource(loaded);
-    handle.GetSourceAdder().AddSource(plain);
+TEST_F(ThreadedHandle, ChangesHammeredDuringSearchesLeaveTheNewestText) {
+    ScriptedSource* const sources[] = {
+        Add(1, ReportInput, [](ScriptedSource&) { return true; }),
+        Add(2, [](ScriptedSource& s, const std::string& input) { s.Report((input + "2").c_str()); })};
     std::atomic<bool> stop{false};
     std::thread changer([&] {
-        for (bool flush = false; !stop; flush = !flush) {
-            loaded->OnDataChanged(flush);
-            plain->OnDataChanged(!flush);
-        }
+        for (int i = 0; !stop; ++i) sources[i & 1]->OnDataChanged((i & 2) != 0);
     });
-    for (int i = 0; i < 100; ++i) handle.StartSearch(std::to_string(i).c_str(), false);
+    for (int i = 0; i < 100; ++i) m_handle.StartSearch(std::to_string(i).c_str(), false);
     stop = true;
     changer.join();
-    handle.StartSearch("last", true);
-    EXPECT_EQ(Shown(handle, 0xFFFFFFFFu), (Names{"last", "last2"}));
-    handle.FlushSources();
+    m_handle.StartSearch("last", true);
+    EXPECT_EQ(Shown(m_handle, 0xFFFFFFFFu), (Names{"last", "last2"}));
 }
 
 }  // namespace
