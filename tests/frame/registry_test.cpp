@@ -5,7 +5,9 @@
 #include <cstring>
 #include <string>
 
+#include "dorvutil/concurrency/low_res_timer_mgr.h"
 #include "dorvutil/frame/build_info.h"
+#include "dorvutil/frame/dynamic_library.h"
 #include "dorvutil/frame/message_screen.h"
 #include "dorvutil/frame/unit_test.h"
 #include "dorvutil/memory/pool.h"
@@ -28,6 +30,12 @@ TEST(Registry, OneAccessorCreatesEveryManagerThisBuildHas) {
     ASSERT_NE(FileHandlePool(), nullptr);
     EXPECT_EQ(FileHandlePool()->BlockSize(), 4096u);
     EXPECT_NE(EventChainPool(), nullptr);
+    ASSERT_NE(TimerAgentPool(), nullptr);
+    EXPECT_EQ(TimerAgentPool()->BlockSize(), 4096u);
+    ASSERT_NE(GetLowResTimerMgr(), nullptr);
+    EXPECT_TRUE(GetLowResTimerMgr()->IsRunning());
+    EXPECT_STREQ(GetLowResTimerMgr()->GetThreadName(), "LowResTimer");
+    EXPECT_NE(GetLoadedLibraryHash(), nullptr);
     EXPECT_STREQ(registry->Name(), "DOrvUtil");
     EXPECT_EQ(registry->GetAssertTracker(), nullptr);
     EXPECT_EQ(GetSMSHandler(), nullptr);
@@ -41,7 +49,10 @@ TEST(Registry, TearsDownWithTheLastReferenceAndComesBackAfresh) {
         DependencyHolder client;
         client.AddDependency(GetORVUtilGlobals());
         EXPECT_NE(GetFileMgr(), nullptr);
+        EXPECT_NE(DynaLoad("dyna_second", 0), nullptr);
     }
+    EXPECT_EQ(DynaLoad("dyna_second", 0), nullptr) << "there is nobody to remember it";
+    EXPECT_EQ(GetLowResTimerMgr(), nullptr);
     EXPECT_EQ(GetCallbackMgr(), nullptr);
     EXPECT_EQ(GetFileMgr(), nullptr);
     EXPECT_EQ(GetStringAllocator(), nullptr);
@@ -132,6 +143,16 @@ TEST(MessageScreen, GoesToTheHostsProducerOnceTheInterfaceIsReady) {
     EXPECT_TRUE(TakePostedQuit(code));
     EXPECT_EQ(code, -1);
     EXPECT_FALSE(TakePostedQuit(code));
+
+    EXPECT_EQ(MessageScreen("plain"), 42);
+    EXPECT_EQ(FakeScreen::s_shown, "48:Message:plain");
+    EXPECT_EQ(MessageScreen(ORVwstring(u"wide"), "Save", 16, false, true), 42);
+    EXPECT_EQ(FakeScreen::s_shown, "16:Save:wide");
+    EXPECT_FALSE(TakePostedQuit(code));
+    EXPECT_EQ(MessageScreenQuit(ORVwstring(u"end")), 42);
+    EXPECT_EQ(FakeScreen::s_shown, "48:Message:end");
+    EXPECT_TRUE(TakePostedQuit(code));
+    EXPECT_EQ(g_quitMessages, 2);
     DORV_UnRegisterCallbackListener(onQuit);
     registry.SetUIReady(false);
 }
@@ -139,6 +160,7 @@ TEST(MessageScreen, GoesToTheHostsProducerOnceTheInterfaceIsReady) {
 TEST(MessageScreenDeathTest, AQuittingMessageBoxEndsTheProcess) {
     EXPECT_EXIT(GetORVUtilGlobals()->MessageScreen("broken", true, "Stop", 0, false), testing::ExitedWithCode(255),
                 "Stop: broken");
+    EXPECT_EXIT(MessageScreenQuit(ORVustring("worn")), testing::ExitedWithCode(255), "Message: worn");
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "dorvutil/frame/export.h"
 
 /// The way to every manager of the process: forward declarations and accessors, nothing else, so that any header may
@@ -59,5 +61,10 @@ ProgressMgr* GetProgressMgr();
 Allocator* FileHandlePool();
 Allocator* TimerAgentPool();
 Allocator* EventChainPool();
+
+/// Plain members of the registry that lower layers read; nothing is set up.
+bool IsMouseDown();
+std::uint32_t HardwareDeviceKind();
+bool HardwareSecondFlag();
 
 }  // namespace dorvutil

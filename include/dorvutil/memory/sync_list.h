@@ -81,6 +81,9 @@ public:
 protected:
     using List::FlushItems;
 
+    /// Runs `change` under the lock, then brings the events up to date.
+    template <class F>
+    void Changing(F change);
     /// Runs `add` with `item` under the lock and signals when it gave no -1.
     template <class F>
     std::int32_t Adding(T* item, bool noSignal, F add);
@@ -155,49 +158,46 @@ private:
 
 template <class T, class L, bool kSignals>
 template <class F>
-std::int32_t ListMgr_TS<T, L, kSignals>::Adding(T* item, bool noSignal, F add) {
-    const std::int32_t result = Locked([&] {
-        const std::int32_t added = add(item);
+void ListMgr_TS<T, L, kSignals>::Changing(F change) {
+    Locked([&] {
+        change();
         m_held = List::Count();
-        return added;
     });
-    if (result < 0) return result;
     Publish();
-    if (!noSignal) m_semaphore.Release(1);
+}
+
+template <class T, class L, bool kSignals>
+template <class F>
+std::int32_t ListMgr_TS<T, L, kSignals>::Adding(T* item, bool noSignal, F add) {
+    std::int32_t result = -1;
+    Changing([&] { result = add(item); });
+    if (result >= 0 && !noSignal) m_semaphore.Release(1);
     return result;
 }
 
 template <class T, class L, bool kSignals>
 T* ListMgr_TS<T, L, kSignals>::TakeFront() {
-    T* const item = Locked([&] {
-        T* const front = List::operator[](0);
+    T* front = nullptr;
+    Changing([&] {
+        front = List::operator[](0);
         if (front) List::Detach(0);
-        m_held = List::Count();
-        return front;
     });
-    Publish();
-    return item;
+    return front;
 }
 
 template <class T, class L, bool kSignals>
 bool ListMgr_TS<T, L, kSignals>::DeleteAt(std::uint32_t index) {
-    const bool deleted = Locked([&] {
-        const bool done = List::DeleteAt(index);
-        m_held = List::Count();
-        return done;
-    });
-    Publish();
+    bool deleted = false;
+    Changing([&] { deleted = List::DeleteAt(index); });
     return deleted;
 }
 
 template <class T, class L, bool kSignals>
 void ListMgr_TS<T, L, kSignals>::Flush() {
-    Locked([&] {
+    Changing([&] {
         FlushItems();
         List::SetSize(0);
-        m_held = 0;
     });
-    Publish();
     m_semaphore.Release(1);
 }
 

@@ -27,4 +27,8 @@ Allocator* FileHandlePool() { return GetORVUtilGlobals()->FileHandlePool(); }
 Allocator* TimerAgentPool() { return GetORVUtilGlobals()->TimerAgentPool(); }
 Allocator* EventChainPool() { return GetORVUtilGlobals()->EventChainPool(); }
 
+bool IsMouseDown() { return GetORVUtilGlobals()->GetMouseDown(); }
+std::uint32_t HardwareDeviceKind() { return GetORVUtilGlobals()->GetHardwareInfo().m_deviceKind; }
+bool HardwareSecondFlag() { return GetORVUtilGlobals()->GetHardwareInfo().m_secondFlag; }
+
 }  // namespace dorvutil

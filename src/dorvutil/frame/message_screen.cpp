@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::int32_t kQuitCode = -1;
 constexpr EMsgID kQuitMessage{0};
+constexpr char kCaption[] = "Message";
+constexpr std::uint32_t kExclamationStyle = 48;
 
 }  // namespace
 
@@ -38,5 +40,30 @@ std::int32_t ORVUtilGlobals::ShowThroughProducer(const ORVustring& text, bool qu
     }
     return result;
 }
+
+std::int32_t MessageScreen(const ORVustring& text) {
+    return MessageScreen(text, kCaption, kExclamationStyle, false, true);
+}
+
+std::int32_t MessageScreen(const ORVustring& text, const ORVustring& caption, std::uint32_t style, bool quit,
+                           bool useProducer) {
+    return GetORVUtilGlobals()->MessageScreen(text, quit, caption, style, useProducer);
+}
+
+std::int32_t MessageScreen(const ORVustring& text, const char* caption, std::uint32_t style, bool quit,
+                           bool useProducer) {
+    return MessageScreen(text, ORVustring(caption), style, quit, useProducer);
+}
+
+std::int32_t MessageScreen(const ORVwstring& text, const char* caption, std::uint32_t style, bool quit,
+                           bool useProducer) {
+    return MessageScreen(ORVustring(text), caption, style, quit, useProducer);
+}
+
+std::int32_t MessageScreenQuit(const ORVustring& text) {
+    return MessageScreen(text, kCaption, kExclamationStyle, true, true);
+}
+
+std::int32_t MessageScreenQuit(const ORVwstring& text) { return MessageScreenQuit(ORVustring(text)); }
 
 }  // namespace dorvutil

@@ -2,7 +2,10 @@
 
 #include <new>
 
+#include "dorvutil/concurrency/low_res_timer_mgr.h"
 #include "dorvutil/concurrency/semaphore.h"
+#include "dorvutil/concurrency/timer.h"
+#include "dorvutil/frame/library_hash.h"
 #include "dorvutil/frame/message_screen.h"
 #include "dorvutil/frame/unit_test.h"
 #include "dorvutil/memory/pool.h"
@@ -36,6 +39,20 @@ void Destroy(std::atomic<T*>& slot) {
     slot.store(nullptr, std::memory_order_release);
 }
 
+// What is still in use stays valid: its blocks are left behind.
+void DestroyPool(std::atomic<Allocator*>& slot) {
+    Allocator* const pool = slot.load(std::memory_order_acquire);
+    if (pool && pool->LiveCount() != 0) pool->Cleanup();
+    Destroy(slot);
+}
+
+// Nothing fires from here on. A time-out that ends the process comes here on the timer thread itself, which cannot wait
+// for its own end: then the manager is left behind.
+void EndTimers(std::atomic<COrvLowResTimerMgr*>& slot) {
+    COrvLowResTimerMgr* const timers = slot.load(std::memory_order_acquire);
+    if (timers && !timers->EndThread()) slot.store(nullptr, std::memory_order_release);
+}
+
 }  // namespace
 
 ORVUtilGlobals::ORVUtilGlobals() = default;
@@ -48,10 +65,13 @@ void ORVUtilGlobals::AddDependencies() {}
 
 bool ORVUtilGlobals::Initialize() {
     m_fileHandlePool.store(NewPool<COrvFileHandleStdio>(), std::memory_order_release);
+    m_timerAgentPool.store(NewPool<OrvTimerAgent>(), std::memory_order_release);
     m_eventChainPool.store(NewPool<OrvEventChain<critSec>>(), std::memory_order_release);
     Create(m_fileMgr);
     Create(m_stringAllocator);
+    Create(m_lowResTimerMgr);
     Create(m_specCharMgr);
+    Create(m_libraryHash);
     Create(m_callbackMgr);
     Create(m_progressMgr);
     SetUnitTestMgr(new (std::nothrow) DorvutilUnitTestMgr);
@@ -59,17 +79,20 @@ bool ORVUtilGlobals::Initialize() {
 }
 
 bool ORVUtilGlobals::Teardown() {
+    EndTimers(m_lowResTimerMgr);
     Destroy(m_progressMgr);
     Destroy(m_callbackMgr);
+    Destroy(m_libraryHash);
     Destroy(m_messageScreenProducer);
     if (CSpecialCharMgr* const specialChars = m_specCharMgr.load(std::memory_order_acquire)) {
         specialChars->ReleaseTables();
     }
     Destroy(m_specCharMgr);
+    Destroy(m_lowResTimerMgr);
     Destroy(m_stringAllocator);
     Destroy(m_fileMgr);
     Destroy(m_fileHandlePool);
-    Destroy(m_timerAgentPool);
+    DestroyPool(m_timerAgentPool);
     Destroy(m_eventChainPool);
     return true;
 }
