@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <memory>
 #include <string>
 
@@ -13,6 +13,7 @@
 #include "dorvutil/storage/file_mgr.h"
 #include "dorvutil/storage/memory_handle.h"
 #include "dorvutil/storage/stdio_handle.h"
+#include "storage/temp_folder.h"
 
 namespace dorvutil {
 namespace {
@@ -25,17 +26,7 @@ std::string Text(COrvFileHandleBase& handle) {
 
 TEST(MemoryHandle, AnswersNeutrallyUntilOpened) {
     COrvFileHandleMemory handle(eAccessReadWrite);
-    char byte = 'x';
-    EXPECT_FALSE(handle.IsOpen());
-    EXPECT_EQ(handle.Read(&byte, 1, 1), 0u);
-    EXPECT_EQ(handle.Write(&byte, 1, 1), 0u);
-    EXPECT_EQ(handle.Seek(0, eSeekSet), -1);
-    EXPECT_EQ(handle.Tell(), -1);
-    EXPECT_EQ(handle.Length(), -1);
-    EXPECT_EQ(handle.Flush(), -1);
-    EXPECT_FALSE(handle.LockBytes(1, true, false));
-    EXPECT_EQ(handle.StopRead(), 0);
-    EXPECT_EQ(handle.StopWrite(), 0);
+    ExpectNotOpen(handle);
 }
 
 TEST(MemoryHandle, AccessModeDecidesWhatIsAllowed) {
@@ -93,23 +84,12 @@ TEST(MemoryHandle, WrappedMemoryIsWrittenInPlaceAndNeverGrows) {
     EXPECT_EQ(std::string(bytes, 4), "XYcd");
 }
 
-class DiskHandle : public testing::Test {
+class DiskHandle : public TempFolder {
 protected:
-    void SetUp() override {
-        char pattern[] = "/tmp/dorvutil_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_folder = pattern;
-    }
-    void TearDown() override { std::filesystem::remove_all(m_folder); }
-
-    // Opens a file of the test folder, named with the interface's separator.
     std::unique_ptr<COrvFileHandleBase> Open(const char* name, eAccessMode access) {
-        std::string path = m_folder + "/" + name;
-        for (char& c : path) c = c == '/' ? '\\' : c;
         return std::unique_ptr<COrvFileHandleBase>(
-            GetFileMgr()->OpenFileHandle(path.c_str(), access, eBinary, 0, nullptr));
+            GetFileMgr()->OpenFileHandle(Path(name), access, eBinary, 0, nullptr));
     }
-    std::string m_folder;
 };
 
 TEST_F(DiskHandle, WritesReadsAppendsAndSeeks) {
@@ -119,11 +99,11 @@ TEST_F(DiskHandle, WritesReadsAppendsAndSeeks) {
     ASSERT_NE(writer, nullptr);
     EXPECT_EQ(writer->Write("hello", 5, 1), 5u);
     EXPECT_EQ(writer->Flush(), 0);
-    EXPECT_EQ(std::filesystem::file_size(m_folder + "/Zürich.txt"), 5u);
+    EXPECT_EQ(std::filesystem::file_size(m_native + "Zürich.txt"), 5u);
     EXPECT_EQ(writer->Tell(), 5);
     EXPECT_EQ(writer->Close(), 0);
     EXPECT_EQ(writer->Close(), -1);
-    EXPECT_EQ(writer->Tell(), -1);
+    ExpectNotOpen(*writer);
 
     auto appender = Open("Zürich.txt", eAccessAppend);
     EXPECT_EQ(appender->Write(" world", 6, 1), 6u);
@@ -148,7 +128,57 @@ TEST_F(DiskHandle, WritesReadsAppendsAndSeeks) {
 TEST_F(DiskHandle, AnUnknownModeDoesNotOpen) {
     EXPECT_EQ(Open("a", eAccessNone), nullptr);
     EXPECT_EQ(Open("a", static_cast<eAccessMode>(5)), nullptr);
-    EXPECT_TRUE(std::filesystem::is_empty(m_folder));
+    EXPECT_TRUE(std::filesystem::is_empty(m_native));
+}
+
+TEST_F(DiskHandle, AFullDiskIsReportedNotSwallowed) {
+    std::unique_ptr<COrvFileHandleBase> full(
+        GetFileMgr()->OpenFileHandle("\\dev\\full", eAccessWrite, eBinary, 0, nullptr));
+    if (!full) GTEST_SKIP() << "no device that is always full";
+    EXPECT_EQ(full->Write(std::string(100'000, 'x').data(), 100'000, 1), 0u);
+    EXPECT_EQ(full->Write("x", 1, 1), 1u) << "kept for the flush";
+    EXPECT_EQ(full->Flush(), -1);
+    EXPECT_EQ(full->Flush(), -1) << "and for the next one";
+    EXPECT_EQ(full->Tell(), 1);
+    EXPECT_EQ(full->Close(), -1);
+}
+
+TEST_F(DiskHandle, AFileRemovedWhileOpenStaysUsable) {
+    auto file = Open("gone", eAccessWrite);
+    EXPECT_EQ(file->Write("abc", 3, 1), 3u);
+    std::filesystem::remove(m_native + "gone");
+    EXPECT_EQ(file->Write("def", 3, 1), 3u);
+    EXPECT_EQ(file->Flush(), 0);
+    EXPECT_EQ(file->Length(), 6);
+    EXPECT_EQ(file->Close(), 0);
+}
+
+// Runs `probe` in another process; whether it answered true.
+template <class Probe>
+bool InChild(Probe probe) {
+    const pid_t child = fork();
+    if (child == 0) _exit(probe() ? 0 : 1);
+    int status = 1;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST_F(DiskHandle, ByteLocksKeepOtherProcessesOut) {
+    Put("locked", "0123456789");
+    auto mine = Open("locked", eAccessReadWrite);
+    const auto childLocks = [&](std::int32_t position, bool wait) {
+        return InChild([&] {
+            auto theirs = Open("locked", eAccessReadWrite);
+            return theirs->Seek(position, eSeekSet) == 0 && theirs->LockBytes(4, true, wait);
+        });
+    };
+    mine->Seek(2, eSeekSet);
+    EXPECT_TRUE(mine->LockBytes(4, true, true));
+    EXPECT_FALSE(childLocks(0, false));
+    EXPECT_FALSE(childLocks(5, false));
+    EXPECT_TRUE(childLocks(6, true)) << "behind the range";
+    EXPECT_TRUE(mine->LockBytes(4, false, false));
+    EXPECT_TRUE(childLocks(0, true));
 }
 
 TEST_F(DiskHandle, ObjectsLiveInTheRegistrysPool) {

@@ -3,33 +3,21 @@
 #include <string>
 #include <vector>
 
+#include "dorvutil/storage/file_buffer.h"
 #include "dorvutil/storage/memory_handle.h"
 
 namespace dorvutil {
 namespace {
 
-// A handle over `text` whose line block holds 16 characters.
-class SmallBlocks : public COrvFileHandleBase {
-public:
-    explicit SmallBlocks(const std::string& text)
-        : COrvFileHandleBase(ORVustring(), eAccessRead, eBinary, 0, &kOptions),
-          m_memory(text.data(), static_cast<std::uint32_t>(text.size()), true, eAccessRead) {
-        m_memory.Open();
-    }
-    bool IsOpen() override { return m_memory.IsOpen(); }
-    std::int32_t Open() override { return m_memory.Open(); }
-    std::int32_t Close() override { return m_memory.Close(); }
-    std::uint32_t Read(void* to, std::uint32_t size, std::int32_t n) override { return m_memory.Read(to, size, n); }
-    std::uint32_t Write(const void*, std::uint32_t, std::int32_t) override { return 0; }
-    std::int32_t Seek(std::int32_t offset, eSeekMode mode) override { return m_memory.Seek(offset, mode); }
-    std::int32_t Flush() override { return 0; }
-    std::int32_t Tell() override { return m_memory.Tell(); }
-    std::int32_t Length() override { return m_memory.Length(); }
+constexpr COrvFileOptions kBlocksOf16{16, 16};
 
-private:
-    static constexpr COrvFileOptions kOptions{16, 16};
-    COrvFileHandleMemory m_memory;
-};
+// A handle over `text` whose line block holds 16 characters.
+COrvReadBuffer SmallBlocks(const std::string& text) {
+    auto* const memory =
+        new COrvFileHandleMemory(text.data(), static_cast<std::uint32_t>(text.size()), true, eAccessRead);
+    memory->Open();
+    return COrvReadBuffer(memory, "", eAccessRead, eBinary, 0, &kBlocksOf16);
+}
 
 std::vector<std::string> Lines(COrvFileHandleBase& handle, std::uint32_t size) {
     std::vector<std::string> lines;
@@ -69,7 +57,7 @@ TEST(ReadLine, EndsLinesAndKeepsTheirTexts) {
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.name);
-        SmallBlocks handle(c.text);
+        auto handle = SmallBlocks(c.text);
         EXPECT_EQ(Lines(handle, c.size), c.lines);
     }
 }
@@ -90,7 +78,7 @@ TEST(ReadLine, ReadsUnitsOfSixteenBits) {
 }
 
 TEST(ReadLine, StartsAfreshAfterAReset) {
-    SmallBlocks handle("first\nsecond\n");
+    auto handle = SmallBlocks("first\nsecond\n");
     char line[16];
     EXPECT_STREQ(handle.ReadLine(line, 16), "first");
     EXPECT_EQ(handle.ReadLine(line, 0), nullptr);

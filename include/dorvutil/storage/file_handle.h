@@ -18,6 +18,10 @@ enum eAccessMode : std::int32_t {
 enum eBinaryMode : std::int32_t { eBinary = 1, eText = 2 };
 enum eSeekMode : std::int32_t { eSeekSet = 0, eSeekCur = 1, eSeekEnd = 2 };
 
+/// What FileOpenBuffered and CFileMgr::OpenFileHandle buffer.
+inline constexpr std::uint32_t kFileBufferReads = 1;
+inline constexpr std::uint32_t kFileBufferWrites = 2;
+
 /// Buffer sizes of one handle, in bytes. A null options pointer means these defaults.
 struct COrvFileOptions {
     std::uint32_t m_readBufferSize = 4096;  ///< Also the block size of line reading.

@@ -18,7 +18,8 @@ public:
     [[nodiscard]] virtual COrvFileHandleBase* CreateFileHandle(const ORVustring& path, eAccessMode access,
                                                                eBinaryMode binary, std::uint32_t flags,
                                                                const COrvFileOptions* options);
-    /// The same, opened; null when it cannot be opened. `flags` asks for buffering of reads (bit 0) and writes (bit 1).
+    /// An open handle, null when it cannot be opened: with any of kFileBufferReads and kFileBufferWrites the buffer
+    /// that fits the access mode (file_buffer.h) over an unbuffered handle, else the handle of CreateFileHandle.
     [[nodiscard]] virtual COrvFileHandleBase* OpenFileHandle(const ORVustring& path, eAccessMode access,
                                                              eBinaryMode binary, std::uint32_t flags,
                                                              const COrvFileOptions* options);

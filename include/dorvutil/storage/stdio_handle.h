@@ -2,14 +2,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
+#include <memory>
 
 #include "dorvutil/storage/file_handle.h"
 
 namespace dorvutil {
 
-/// A file on disk. Flush commits what was written to the disk itself when the file was opened for writing. Positions
-/// and lengths that do not fit 31 bits are reported as -1. Objects live in the registry's pool while it is set up.
+class FileStream;
+
+/// A file on disk, with a small buffer of its own. Flush writes what is left there and, when the file was opened for
+/// writing, commits it to the disk itself; bytes that a full disk refused stay for the next Flush, and Close reports
+/// them as lost. Positions and lengths that do not fit 31 bits are reported as -1. Objects live in the registry's pool
+/// while it is set up.
 class DORVUTIL_API COrvFileHandleStdio : public COrvFileHandleBase {
 public:
     COrvFileHandleStdio(const ORVustring& path, eAccessMode access, eBinaryMode binary, std::uint32_t flags,
@@ -33,11 +37,7 @@ public:
     static void operator delete(void* block);
 
 private:
-    enum class Direction { kNone, kReading, kWriting };
-    void Turn(Direction direction);
-
-    std::FILE* m_stream = nullptr;             // null when closed
-    Direction m_direction = Direction::kNone;  // of the last transfer: the runtime wants a seek between the two
+    std::unique_ptr<FileStream> m_stream;  // null when closed
 };
 
 }  // namespace dorvutil

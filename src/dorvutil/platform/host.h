@@ -9,6 +9,8 @@ namespace dorvutil::platform {
 
 /// Full path of the running executable with `\` between folders; empty when the system does not tell.
 std::u16string ModulePath();
+/// That of the loaded module which holds `address`; null: the executable.
+std::u16string ModulePath(const void* address);
 
 /// Shows a modal message box and returns the button pressed. Without a desktop: "caption: text" on standard error as
 /// one line of UTF-8 (control characters become spaces; cut at 4 KiB), result 1 (OK).

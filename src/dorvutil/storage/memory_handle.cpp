@@ -4,6 +4,8 @@
 #include <cstring>
 #include <limits>
 
+#include "dorvutil/storage/transfer.h"
+
 namespace dorvutil {
 namespace {
 
@@ -15,10 +17,6 @@ bool MayRead(eAccessMode access) {
 
 bool MayWrite(eAccessMode access) {
     return access == eAccessWrite || access == eAccessAppend || access == eAccessReadWrite;
-}
-
-std::uint64_t ByteCount(std::uint32_t size, std::int32_t count) {
-    return count > 0 ? std::uint64_t{size} * static_cast<std::uint32_t>(count) : 0;
 }
 
 }  // namespace

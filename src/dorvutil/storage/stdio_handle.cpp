@@ -6,34 +6,36 @@
 #include "dorvutil/frame/accessors.h"
 #include "dorvutil/memory/heap.h"
 #include "dorvutil/memory/pool.h"
-#include "dorvutil/platform/stream.h"
+#include "dorvutil/storage/file_stream.h"
+#include "dorvutil/storage/file_system.h"
+#include "dorvutil/storage/transfer.h"
 
 namespace dorvutil {
 namespace {
 
-std::optional<platform::StreamMode> StreamModeOf(eAccessMode access) {
+std::optional<platform::OpenMode> OpenModeOf(eAccessMode access) {
     switch (access) {
         case eAccessRead:
-            return platform::StreamMode::kRead;
+            return platform::OpenMode::kRead;
         case eAccessWrite:
-            return platform::StreamMode::kWrite;
+            return platform::OpenMode::kWrite;
         case eAccessAppend:
-            return platform::StreamMode::kAppend;
+            return platform::OpenMode::kAppend;
         case eAccessReadWrite:
-            return platform::StreamMode::kReadWrite;
+            return platform::OpenMode::kReadWrite;
         default:
             return std::nullopt;
     }
 }
 
-std::optional<int> OriginOf(eSeekMode mode) {
+std::optional<platform::SeekOrigin> OriginOf(eSeekMode mode) {
     switch (mode) {
         case eSeekSet:
-            return SEEK_SET;
+            return platform::SeekOrigin::kStart;
         case eSeekCur:
-            return SEEK_CUR;
+            return platform::SeekOrigin::kCurrent;
         case eSeekEnd:
-            return SEEK_END;
+            return platform::SeekOrigin::kEnd;
         default:
             return std::nullopt;
     }
@@ -49,66 +51,50 @@ COrvFileHandleStdio::COrvFileHandleStdio(const ORVustring& path, eAccessMode acc
                                          std::uint32_t flags, const COrvFileOptions* options)
     : COrvFileHandleBase(path, access, binary, flags, options) {}
 
-COrvFileHandleStdio::~COrvFileHandleStdio() {
-    if (m_stream) std::fclose(m_stream);
-}
+COrvFileHandleStdio::~COrvFileHandleStdio() = default;
 
 bool COrvFileHandleStdio::IsOpen() { return m_stream != nullptr; }
 
 std::int32_t COrvFileHandleStdio::Open() {
     if (m_stream) return 0;
-    const auto mode = StreamModeOf(m_access);
-    if (!mode) return -1;
-    m_stream = platform::OpenStream(m_path.wc_str(false), *mode, m_binary == eText);
-    m_direction = Direction::kNone;
+    const auto mode = OpenModeOf(m_access);
+    if (!mode || (m_access == eAccessRead && !FileExists(m_path))) return -1;
+    m_stream = FileStream::Open(m_path.c_str(), *mode, m_binary == eText);
     return m_stream ? 0 : -1;
 }
 
 std::int32_t COrvFileHandleStdio::Close() {
     if (!m_stream) return -1;
-    // The runtime frees the stream even when its last write fails: it must not be touched again.
-    const int result = std::fclose(m_stream);
-    m_stream = nullptr;
-    return result;
+    const bool closed = m_stream->Close();
+    m_stream.reset();
+    return closed ? 0 : -1;
 }
 
 std::uint32_t COrvFileHandleStdio::Read(void* buffer, std::uint32_t size, std::int32_t count) {
-    if (!m_stream || count < 0) return 0;
-    Turn(Direction::kReading);
-    return static_cast<std::uint32_t>(std::fread(buffer, static_cast<std::size_t>(count), size, m_stream));
+    if (!m_stream || count <= 0) return 0;
+    const std::uint64_t n = ByteCount(size, count);
+    return static_cast<std::uint32_t>(m_stream->Read(buffer, n) / static_cast<std::uint32_t>(count));
 }
 
 std::uint32_t COrvFileHandleStdio::Write(const void* buffer, std::uint32_t size, std::int32_t count) {
-    if (!m_stream || count < 0) return 0;
-    Turn(Direction::kWriting);
-    return static_cast<std::uint32_t>(std::fwrite(buffer, static_cast<std::size_t>(count), size, m_stream));
+    if (!m_stream || count <= 0) return 0;
+    const std::uint64_t n = ByteCount(size, count);
+    return static_cast<std::uint32_t>(m_stream->Write(buffer, n) / static_cast<std::uint32_t>(count));
 }
 
 std::int32_t COrvFileHandleStdio::Seek(std::int32_t offset, eSeekMode mode) {
     const auto origin = OriginOf(mode);
-    if (!m_stream || !origin) return -1;
-    m_direction = Direction::kNone;
-    return platform::SeekStream(m_stream, offset, *origin);
+    return m_stream && origin && m_stream->Seek(offset, *origin) ? 0 : -1;
 }
 
-std::int32_t COrvFileHandleStdio::Flush() {
-    if (!m_stream) return -1;
-    return m_access == eAccessRead ? std::fflush(m_stream) : platform::CommitStream(m_stream);
-}
+std::int32_t COrvFileHandleStdio::Flush() { return m_stream && m_stream->Flush(m_access != eAccessRead) ? 0 : -1; }
 
-std::int32_t COrvFileHandleStdio::Tell() { return m_stream ? Narrow(platform::StreamPosition(m_stream)) : -1; }
+std::int32_t COrvFileHandleStdio::Tell() { return m_stream ? Narrow(m_stream->Tell()) : -1; }
 
-std::int32_t COrvFileHandleStdio::Length() {
-    if (!m_stream) return -1;
-    const std::int64_t position = platform::StreamPosition(m_stream);
-    if (position < 0 || platform::SeekStream(m_stream, 0, SEEK_END) != 0) return -1;
-    const std::int64_t end = platform::StreamPosition(m_stream);
-    m_direction = Direction::kNone;
-    return platform::SeekStream(m_stream, position, SEEK_SET) == 0 ? Narrow(end) : -1;
-}
+std::int32_t COrvFileHandleStdio::Length() { return m_stream ? Narrow(m_stream->Length()) : -1; }
 
 bool COrvFileHandleStdio::LockBytes(std::uint32_t count, bool lock, bool wait) {
-    return m_stream && platform::LockStreamBytes(m_stream, count, lock, wait);
+    return m_stream && m_stream->LockBytes(count, lock, wait);
 }
 
 void* COrvFileHandleStdio::operator new(std::size_t size) noexcept {
@@ -124,11 +110,6 @@ void COrvFileHandleStdio::operator delete(void* block) {
     } else {
         Mem_Free(block);
     }
-}
-
-void COrvFileHandleStdio::Turn(Direction direction) {
-    if (m_direction != Direction::kNone && m_direction != direction) platform::SeekStream(m_stream, 0, SEEK_CUR);
-    m_direction = direction;
 }
 
 }  // namespace dorvutil

@@ -1,5 +1,6 @@
 #include "dorvutil/platform/host.h"
 
+#include <dlfcn.h>
 #include <pthread.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -7,6 +8,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <string_view>
 
 #include "dorvutil/platform/posix/path.h"
@@ -81,6 +84,19 @@ std::int32_t ShowMessageBox(const char16_t* text, const char16_t* caption, std::
     line.Add(text ? text : u"");
     line.Write();
     return kOkButton;
+}
+
+std::u16string ModulePath(const void* address) {
+    Dl_info module{};
+    if (!address) return ModulePath();
+    if (::dladdr(address, &module) == 0 || !module.dli_fname) return {};
+    char* const native = ::realpath(module.dli_fname, nullptr);
+    if (!native) return {};
+    const std::size_t size = std::strlen(native);
+    std::u16string path(size, u'\0');
+    path.resize(FromNativePath(native, size, path.data()));
+    std::free(native);
+    return path;
 }
 
 void PostQuit(std::int32_t exitCode) {

@@ -1,5 +1,8 @@
 #include "dorvutil/platform/posix/path.h"
 
+#include <cstring>
+#include <string_view>
+
 namespace dorvutil::platform {
 namespace {
 
@@ -12,6 +15,10 @@ constexpr bool IsByteUnit(std::uint32_t unit) {
 }
 
 constexpr bool IsDriveLetter(char16_t unit) { return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z'); }
+
+// The narrow form's two escapes, of three bytes each: for a `\` in a name, and for the first byte of an escape in it.
+constexpr std::string_view kEscapedBackslash = "\xED\xB1\x9C";
+constexpr std::string_view kEscapedLead = "\xED\xB3\xAD";
 
 struct Decoded {
     std::uint32_t code;
@@ -72,6 +79,24 @@ std::size_t EncodeUtf8(std::uint32_t code, char* out) {
     return length;
 }
 
+NativePath::NativePath(const char* path) {
+    std::string_view rest = path ? path : "";
+    if (rest.size() > 1 && IsDriveLetter(static_cast<unsigned char>(rest[0])) && rest[1] == ':') rest.remove_prefix(2);
+    std::size_t size = 0;
+    while (!rest.empty() && size + 1 < kCapacity) {
+        const bool backslash = rest.starts_with(kEscapedBackslash);
+        if (backslash || rest.starts_with(kEscapedLead)) {
+            m_bytes[size++] = backslash ? '\\' : kEscapedLead[0];
+            rest.remove_prefix(3);
+        } else {
+            m_bytes[size++] = rest[0] == '\\' ? '/' : rest[0];
+            rest.remove_prefix(1);
+        }
+    }
+    if (!rest.empty()) size = 0;
+    m_bytes[size] = '\0';
+}
+
 NativePath::NativePath(const char16_t* path) {
     std::size_t size = 0;
     if (path && IsDriveLetter(path[0]) && path[1] == u':') path += 2;
@@ -89,6 +114,24 @@ NativePath::NativePath(const char16_t* path) {
     }
     if (path && *path) size = 0;
     m_bytes[size] = '\0';
+}
+
+std::size_t FromNativePath(const char* bytes, std::size_t count, char* out) {
+    const auto add = [&out](std::string_view text) {
+        std::memcpy(out, text.data(), text.size());
+        out += text.size();
+    };
+    const char* const start = out;
+    for (std::string_view rest(bytes, count); !rest.empty(); rest.remove_prefix(1)) {
+        if (rest[0] == '\\') {
+            add(kEscapedBackslash);
+        } else if (rest.starts_with(kEscapedBackslash) || rest.starts_with(kEscapedLead)) {
+            add(kEscapedLead);
+        } else {
+            *out++ = rest[0] == '/' ? '\\' : rest[0];
+        }
+    }
+    return static_cast<std::size_t>(out - start);
 }
 
 std::size_t FromNativePath(const char* bytes, std::size_t count, char16_t* out) {

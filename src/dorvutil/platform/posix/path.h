@@ -3,9 +3,14 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Names of files: UTF-16 with `\` in the library, bytes with `/` in the system.
+/// Names of files: narrow text or UTF-16 with `\` in the library, bytes with `/` in the system.
 ///
-/// The bytes are UTF-8 as far as they go. What is not comes through a directory and back unchanged:
+/// Narrow text holds the system's bytes themselves, so that names of any bytes come through a directory and back. Only
+/// a
+/// `\` inside a name has a form of its own, the bytes ED B1 9C (no UTF-8: U+DC5C by its pattern); where a name holds
+/// these three, or ED B3 AD, the first becomes ED B3 AD.
+///
+/// In UTF-16 the bytes are UTF-8 as far as they go. What is not comes through a directory and back unchanged:
 /// - a byte that is no part of a UTF-8 character (0x80..0xFF), and a `\` inside a name, is the lone low surrogate
 ///   U+DC00 + byte;
 /// - any other lone surrogate of a path is its three bytes after the pattern of UTF-8, and read back as such.
@@ -20,6 +25,7 @@ class NativePath {
 public:
     static constexpr std::size_t kCapacity = 4096;  ///< Bytes with the end mark.
 
+    explicit NativePath(const char* path);
     explicit NativePath(const char16_t* path);
     const char* c_str() const { return m_bytes; }
 
@@ -30,7 +36,11 @@ private:
 /// Writes one code point (surrogates included) by the pattern of UTF-8, one to four bytes; returns how many.
 std::size_t EncodeUtf8(std::uint32_t code, char* out);
 
-/// Writes the library's form of `count` bytes of a native name or path to `out`, which has room for `count` units, and
+/// Writes the narrow form of a native name or path of `count` bytes to `out`, which has room for 3 * `count` bytes, and
+/// returns how many were written. No end mark.
+std::size_t FromNativePath(const char* bytes, std::size_t count, char* out);
+
+/// Writes the wide form of a native name or path of `count` bytes to `out`, which has room for `count` units, and
 /// returns how many were written. No end mark.
 std::size_t FromNativePath(const char* bytes, std::size_t count, char16_t* out);
 
