@@ -44,7 +44,7 @@ HMODULE DynaLoad(const char* libraryName, std::uint32_t flags) {
 
 void* DynaLink(const char* libraryName, const char* functionName, std::uint32_t flags, std::uint32_t,
                HMODULE* moduleOut) {
-    HMODULE const module = DynaLoad(libraryName, flags);
+    void* const module = DynaLoad(libraryName, flags);
     if (moduleOut) *moduleOut = module;
     void* const address =
         module && functionName ? GetDllFunctionAddress(module, ORVwstring(ORVustring(functionName))) : nullptr;

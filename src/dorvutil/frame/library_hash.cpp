@@ -17,7 +17,7 @@ HMODULE OpenInAnyCase(const ORVwstring& name) {
     for (const ORVwstring& spelling : {file, file.to_upper_ret(), file.to_lower_ret()}) {
         ORVwstring path = name.substr(0, start);
         path += spelling;
-        if (HMODULE const module = platform::OpenLibrary(path.T_str())) return module;
+        if (void* const module = platform::OpenLibrary(path.T_str())) return module;
     }
     return nullptr;
 }
@@ -25,7 +25,7 @@ HMODULE OpenInAnyCase(const ORVwstring& name) {
 class LibraryUnloader : public TIterator<TLibraryHashEntry> {
 public:
     void OnElement(TLibraryHashEntry* entry) override {
-        HMODULE const module = entry->Module();
+        void* const module = entry->Module();
         if (!module) return;
         ORVwstring function = entry->Name();
         function += u"_cleanup";
@@ -69,7 +69,7 @@ bool CLoadedLibraryHash::Load(const char* name, bool remember, HMODULE& module) 
         module = known->Module();
         return true;
     }
-    HMODULE const loaded = OpenInAnyCase(wanted->Name());
+    void* const loaded = OpenInAnyCase(wanted->Name());
     if (!loaded && !remember) return false;
     wanted->SetModule(loaded);
     if (!Add(wanted.get())) {
