@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "dorvutil/frame/unit_test.h"
+#include "dorvutil/logging/log.h"
 
 namespace dorvutil {
 namespace {
@@ -105,7 +106,7 @@ TEST(DependencyHolder, HoldsWhatItWasGivenUntilItDies) {
         DependencyHolder client;
         EXPECT_STREQ(client.Name(), "DepHolder");
         EXPECT_TRUE(client.IsInitialized());
-        EXPECT_EQ(client.DedicatedLogId(), -1) << "there is no log manager";
+        EXPECT_STREQ(Log_GetPublisherName(client.DedicatedLogId()), "DepHolder");
         client.AddDependency(&needed);
         needed.Setup();
         EXPECT_EQ(log, "+b");

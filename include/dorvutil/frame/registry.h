@@ -57,6 +57,9 @@ public:
     Allocator* TimerAgentPool() const { return m_timerAgentPool.load(std::memory_order_acquire); }
     Allocator* EventChainPool() const { return m_eventChainPool.load(std::memory_order_acquire); }
 
+    /// The log manager as it stands; nothing is set up.
+    CLogMgr* LogMgrAsItIs() const { return m_logMgr.load(std::memory_order_acquire); }
+
     bool GetMouseDown() const { return m_mouseDown; }
     void SetMouseDown(bool down) { m_mouseDown = down; }
     bool GetUIReady() const { return m_uiReady; }

@@ -61,7 +61,7 @@ private:
     bool DoInitialize();
     void ReleaseDeps(bool clearList);
 
-    std::int32_t m_dedicatedLogId = -1;
+    std::atomic<std::int32_t> m_dedicatedLogId{-1};
     std::uint32_t m_references = 0;
     std::atomic<bool> m_initialized{false};
     std::atomic<bool> m_tornDown{false};

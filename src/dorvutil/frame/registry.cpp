@@ -8,6 +8,7 @@
 #include "dorvutil/frame/library_hash.h"
 #include "dorvutil/frame/message_screen.h"
 #include "dorvutil/frame/unit_test.h"
+#include "dorvutil/logging/manager_use.h"
 #include "dorvutil/memory/pool.h"
 #include "dorvutil/messaging/callback_mgr.h"
 #include "dorvutil/messaging/progress_mgr.h"
@@ -53,6 +54,17 @@ void EndTimers(std::atomic<COrvLowResTimerMgr*>& slot) {
     if (timers && !timers->EndThread()) slot.store(nullptr, std::memory_order_release);
 }
 
+// Any thread may be publishing: the slot is emptied first, and those who still found the manager there are let finish.
+// A handler that ends the process comes here on the delivery thread itself, which cannot wait for its own end: then the
+// manager is left behind.
+void DestroyLogMgr(std::atomic<CLogMgr*>& slot) {
+    CLogMgr* const manager = slot.exchange(nullptr, std::memory_order_acq_rel);
+    if (!manager || manager->OnDeliveryThread()) return;
+    manager->BeginClose();
+    AwaitLogManagerUnused();
+    delete manager;
+}
+
 }  // namespace
 
 ORVUtilGlobals::ORVUtilGlobals() = default;
@@ -69,6 +81,7 @@ bool ORVUtilGlobals::Initialize() {
     m_eventChainPool.store(NewPool<OrvEventChain<critSec>>(), std::memory_order_release);
     Create(m_fileMgr);
     Create(m_stringAllocator);
+    Create(m_logMgr);
     Create(m_lowResTimerMgr);
     Create(m_specCharMgr);
     Create(m_libraryHash);
@@ -89,6 +102,7 @@ bool ORVUtilGlobals::Teardown() {
     }
     Destroy(m_specCharMgr);
     Destroy(m_lowResTimerMgr);
+    DestroyLogMgr(m_logMgr);
     Destroy(m_stringAllocator);
     Destroy(m_fileMgr);
     Destroy(m_fileHandlePool);

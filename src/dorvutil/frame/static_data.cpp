@@ -1,7 +1,7 @@
 #include "dorvutil/frame/static_data.h"
 
-#include "dorvutil/frame/accessors.h"
 #include "dorvutil/frame/unit_test.h"
+#include "dorvutil/logging/log.h"
 
 namespace dorvutil {
 
@@ -19,8 +19,8 @@ void StaticDataHolder::ObtainRef() {
             AddDependencies();
         }
     }
-    // Holding a reference means that the managers are there.
-    if (first) static_cast<void>(GetLogMgr());
+    // Also sets the managers up: holding a reference means that they are there.
+    if (first) m_dedicatedLogId = Log_CreateDedicatedFileLogger(Name());
 }
 
 void StaticDataHolder::ReleaseRef(bool clearList) {
