@@ -12,7 +12,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 # From the bottom up; the first pattern that matches a file decides its layer.
 LAYERS = [
     ("platform", r"^platform/"),
-    ("accessors", r"^frame/(accessors|export|byte_order)\.h$"),
+    ("accessors", r"^frame/(accessors|export|byte_order|build_info)\.h$"),
     ("sync", r"^concurrency/(locks|event|sync|lockable|semaphore|object_name|crit_sec_inl)\b"),
     ("memory", r"^memory/"),
     ("text", r"^text/"),

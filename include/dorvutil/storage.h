@@ -10,6 +10,7 @@
 #include "dorvutil/storage/file_name.h"
 #include "dorvutil/storage/file_system.h"
 #include "dorvutil/storage/folders.h"
+#include "dorvutil/storage/key_value_file.h"
 #include "dorvutil/storage/memory_handle.h"
 #include "dorvutil/storage/path_text.h"
 #include "dorvutil/storage/stdio_handle.h"

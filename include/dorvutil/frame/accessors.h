@@ -56,6 +56,9 @@ CSpecialCharMgr* GetSpecCharMgr();
 CLoadedLibraryHash* GetLoadedLibraryHash();
 ProgressMgr* GetProgressMgr();
 
+/// The log manager as it stands, without setting anything up: null before set-up and after tear-down.
+CLogMgr* LogMgrAsItIs();
+
 /// The registry's object pools as they stand, without setting anything up: null before set-up and after tear-down.
 /// Storage that may come from one of them or from the general heap goes back where Allocator::Contains says it lies.
 Allocator* FileHandlePool();

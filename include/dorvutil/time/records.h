@@ -25,4 +25,18 @@ struct ORV_SYSTEMTIME {
 };
 static_assert(sizeof(ORV_SYSTEMTIME) == 16);
 
+/// A time zone. UTC is local time plus Bias, plus StandardBias or DaylightBias where the zone has daylight time. Each
+/// date tells when its time begins, as local time by the clock just before: with a wYear of 0 on the wDay-th wDayOfWeek
+/// of wMonth (wDay 5: on the last), else once on that very date. Two dates with a wMonth of 0: no daylight time.
+struct ORV_TIME_ZONE_INFORMATION {
+    std::int32_t Bias = 0;           ///< Minutes.
+    char16_t StandardName[32] = {};  ///< Ends with a zero unit.
+    ORV_SYSTEMTIME StandardDate;
+    std::int32_t StandardBias = 0;  ///< Minutes.
+    char16_t DaylightName[32] = {};
+    ORV_SYSTEMTIME DaylightDate;
+    std::int32_t DaylightBias = 0;  ///< Minutes.
+};
+static_assert(sizeof(ORV_TIME_ZONE_INFORMATION) == 172);
+
 }  // namespace dorvutil

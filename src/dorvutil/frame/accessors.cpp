@@ -23,6 +23,8 @@ CSpecialCharMgr* GetSpecCharMgr() { return GetORVUtilGlobals()->GetSpecCharMgr()
 CLoadedLibraryHash* GetLoadedLibraryHash() { return GetORVUtilGlobals()->LibraryHash(); }
 ProgressMgr* GetProgressMgr() { return GetORVUtilGlobals()->GetProgressMgr(); }
 
+CLogMgr* LogMgrAsItIs() { return GetORVUtilGlobals()->LogMgrAsItIs(); }
+
 Allocator* FileHandlePool() { return GetORVUtilGlobals()->FileHandlePool(); }
 Allocator* TimerAgentPool() { return GetORVUtilGlobals()->TimerAgentPool(); }
 Allocator* EventChainPool() { return GetORVUtilGlobals()->EventChainPool(); }

@@ -17,6 +17,7 @@
 #include "dorvutil/storage/stdio_handle.h"
 #include "dorvutil/text/special_chars.h"
 #include "dorvutil/text/string_allocator.h"
+#include "dorvutil/time/time_zone_util.h"
 
 namespace dorvutil {
 namespace {
@@ -86,6 +87,7 @@ bool ORVUtilGlobals::Initialize() {
     Create(m_specCharMgr);
     Create(m_libraryHash);
     Create(m_callbackMgr);
+    m_timeZoneUtil.store(CreateTimeZoneUtil(), std::memory_order_release);
     Create(m_progressMgr);
     SetUnitTestMgr(new (std::nothrow) DorvutilUnitTestMgr);
     return true;
@@ -94,6 +96,7 @@ bool ORVUtilGlobals::Initialize() {
 bool ORVUtilGlobals::Teardown() {
     EndTimers(m_lowResTimerMgr);
     Destroy(m_progressMgr);
+    Destroy(m_timeZoneUtil);
     Destroy(m_callbackMgr);
     Destroy(m_libraryHash);
     Destroy(m_messageScreenProducer);

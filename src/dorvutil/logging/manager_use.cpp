@@ -1,6 +1,6 @@
 #include "dorvutil/logging/manager_use.h"
 
-#include "dorvutil/frame/registry.h"
+#include "dorvutil/frame/accessors.h"
 #include "dorvutil/platform/thread.h"
 
 namespace dorvutil {
@@ -27,7 +27,7 @@ LogManagerUse::LogManagerUse() {
     // emptied: two changes of one counter are ordered, and each sees what was done before the one ahead of it.
     m_uses = &CounterOfThread();
     m_uses->fetch_add(1, std::memory_order_acq_rel);
-    m_manager = GetORVUtilGlobals()->LogMgrAsItIs();
+    m_manager = LogMgrAsItIs();
 }
 
 LogManagerUse::~LogManagerUse() {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "dorvutil/concurrency/locks.h"
 #include "dorvutil/frame/accessors.h"
 #include "dorvutil/platform/directory.h"
 #include "dorvutil/platform/host.h"
@@ -17,6 +18,11 @@ namespace {
 
 constexpr std::size_t kMostPathUnits = 260;
 constexpr char kDataFolder[] = "roadlyn";
+constexpr std::size_t kLoggingDirectorySize = 255;
+
+constinit critSec g_loggingLock;
+constinit char g_loggingDirectory[kLoggingDirectorySize] = {};  // guarded by g_loggingLock, as the flag
+constinit bool g_isLoggingDirectoryChosen = false;
 
 // Cuts between characters.
 void CopyText(std::string_view text, char* out, std::int32_t size) {
@@ -28,6 +34,12 @@ void CopyText(std::string_view text, char* out, std::int32_t size) {
     }
     std::memcpy(out, text.data(), length);
     out[length] = '\0';
+}
+
+bool CopyChosenLoggingDirectory(char* out, std::int32_t size) {
+    const TScopedLock lock(g_loggingLock);
+    if (g_isLoggingDirectoryChosen) CopyText(g_loggingDirectory, out, size);
+    return g_isLoggingDirectoryChosen;
 }
 
 }  // namespace
@@ -48,8 +60,16 @@ void GetThisDirectory(char* out, std::int32_t size) { GetRuntimeDirectory(nullpt
 
 void GetLoggingDirectory(char* out, std::int32_t size) {
     if (!out || size < 1) return;
-    GetThisDirectory(out, size);
+    if (!CopyChosenLoggingDirectory(out, size)) GetThisDirectory(out, size);
     FileAppendSlash(out, size);
+}
+
+bool SetLoggingDirectory(const char* directory) {
+    if (directory && !std::memchr(directory, '\0', kLoggingDirectorySize)) return false;
+    const TScopedLock lock(g_loggingLock);
+    g_isLoggingDirectoryChosen = directory != nullptr;
+    if (directory) CopyText(directory, g_loggingDirectory, kLoggingDirectorySize);
+    return true;
 }
 
 void GetDataRootDirectory(char* out, std::int32_t size) { CopyText(kDataFolder, out, size); }
