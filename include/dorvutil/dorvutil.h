@@ -7,6 +7,7 @@
 #include "dorvutil/memory.h"
 #include "dorvutil/messaging.h"
 #include "dorvutil/storage.h"
+#include "dorvutil/system.h"
 #include "dorvutil/text.h"
 #include "dorvutil/time.h"
 #include "dorvutil/typeahead.h"

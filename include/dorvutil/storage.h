@@ -4,6 +4,8 @@
 #include "dorvutil/storage/file_api.h"
 #include "dorvutil/storage/file_buffer.h"
 #include "dorvutil/storage/file_copy.h"
+/// Storage: the one file-handle interface over disk files and memory; the budgets of the caches.
+#include "dorvutil/orvcache/cache_mgr.h"
 #include "dorvutil/storage/file_handle.h"
 #include "dorvutil/storage/file_list.h"
 #include "dorvutil/storage/file_mgr.h"

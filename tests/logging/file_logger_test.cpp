@@ -6,6 +6,7 @@
 #include <string>
 
 #include "dorvutil/frame/build_info.h"
+#include "dorvutil/logging/system_text.h"
 #include "logging/log_support.h"
 
 namespace dorvutil {
@@ -15,7 +16,7 @@ using test::LogDirectory;
 
 std::string Header() {
     const std::string ruler = std::string(80, '+') + "\r\n";
-    return "\r\n" + ruler + GetBuildInfo() + "\r\n" + ruler + "\r\n";
+    return SystemText().c_str() + ("\r\n" + ruler) + GetBuildInfo() + "\r\n" + ruler + "\r\n";
 }
 
 void Write(FileLogger& logger, std::int32_t level, const char* message, std::int32_t event = eLogEventMessage) {
@@ -29,6 +30,7 @@ void Write(FileLogger& logger, std::int32_t level, const char* message, std::int
 // The quoted messages of the file, behind its header.
 std::string Messages(const std::string& text) {
     EXPECT_TRUE(text.starts_with(Header()));
+    EXPECT_NE(text.find("| CPUType = "), std::string::npos);
     std::string messages;
     for (std::size_t at = text.find('"'); at != std::string::npos; at = text.find('"', at + 1)) {
         const std::size_t end = text.find('"', at + 1);
@@ -77,7 +79,7 @@ TEST(FileLogger, StartsAnewWhenLong) {
     EXPECT_EQ(directory.Text("long").size(), Header().size() + most * line);
     Write(logger, 1, message.c_str());
     logger.Flush();
-    EXPECT_EQ(directory.Text("long"), Header());
+    EXPECT_TRUE(directory.Text("long") == Header());
     Write(logger, 1, "next");
     logger.Cleanup();
     EXPECT_EQ(Messages(directory.Text("long")), "next ");

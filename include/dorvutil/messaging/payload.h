@@ -81,7 +81,7 @@ public:
 
     std::int32_t m_first;
     ORVwstring m_text;
-    std::int32_t m_second;
+    mutable std::int32_t m_second;  ///< Filled in by the listener of a message that asks for a number.
 };
 
 class DORVUTIL_API CBData_In2wsz_Out1L : public TCBData<8> {

@@ -12,9 +12,13 @@
 #include "dorvutil/memory/pool.h"
 #include "dorvutil/messaging/callback_mgr.h"
 #include "dorvutil/messaging/progress_mgr.h"
+#include "dorvutil/orvcache/cache_mgr.h"
 #include "dorvutil/platform/thread.h"
 #include "dorvutil/storage/file_mgr.h"
 #include "dorvutil/storage/stdio_handle.h"
+#include "dorvutil/system/devices.h"
+#include "dorvutil/system/sys_attr.h"
+#include "dorvutil/system/system_mgr.h"
 #include "dorvutil/text/special_chars.h"
 #include "dorvutil/text/string_allocator.h"
 #include "dorvutil/time/time_zone_util.h"
@@ -82,21 +86,30 @@ bool ORVUtilGlobals::Initialize() {
     m_eventChainPool.store(NewPool<OrvEventChain<critSec>>(), std::memory_order_release);
     Create(m_fileMgr);
     Create(m_stringAllocator);
+    Create(m_systemMgr);
     Create(m_logMgr);
     Create(m_lowResTimerMgr);
     Create(m_specCharMgr);
     Create(m_libraryHash);
     Create(m_callbackMgr);
+    Create(m_gSensor);
     m_timeZoneUtil.store(CreateTimeZoneUtil(), std::memory_order_release);
+    m_sysAttr.store(CreateSysAttr(), std::memory_order_release);
+    Create(m_compass);
     Create(m_progressMgr);
+    Create(m_cacheMgr);
     SetUnitTestMgr(new (std::nothrow) DorvutilUnitTestMgr);
     return true;
 }
 
 bool ORVUtilGlobals::Teardown() {
     EndTimers(m_lowResTimerMgr);
+    Destroy(m_cacheMgr);
     Destroy(m_progressMgr);
+    Destroy(m_compass);
+    Destroy(m_sysAttr);
     Destroy(m_timeZoneUtil);
+    Destroy(m_gSensor);
     Destroy(m_callbackMgr);
     Destroy(m_libraryHash);
     Destroy(m_messageScreenProducer);
@@ -106,6 +119,7 @@ bool ORVUtilGlobals::Teardown() {
     Destroy(m_specCharMgr);
     Destroy(m_lowResTimerMgr);
     DestroyLogMgr(m_logMgr);
+    Destroy(m_systemMgr);
     Destroy(m_stringAllocator);
     Destroy(m_fileMgr);
     Destroy(m_fileHandlePool);
@@ -116,6 +130,8 @@ bool ORVUtilGlobals::Teardown() {
 
 bool ORVUtilGlobals::UIThread_AmICurrent() const { return platform::CurrentThreadId() == m_uiThread; }
 
-void ORVUtilGlobals::SignalStartupFinished() { Setup(); }
+void ORVUtilGlobals::SignalStartupFinished() {
+    if (COrvCacheMgr* const caches = GetCacheMgr()) caches->SetStartupComplete();
+}
 
 }  // namespace dorvutil

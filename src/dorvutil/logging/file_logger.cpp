@@ -4,6 +4,7 @@
 
 #include "dorvutil/frame/build_info.h"
 #include "dorvutil/logging/log_file.h"
+#include "dorvutil/logging/system_text.h"
 
 namespace dorvutil {
 namespace {
@@ -80,6 +81,7 @@ void FileLogger::WriteHeader() {
     std::fill_n(ruler, kRulerWidth, '+');
     ruler[kRulerWidth] = '\r';
     ruler[kRulerWidth + 1] = '\n';
+    m_systemText = SystemText();
     ORVustring header(m_systemText.c_str());
     header += "\r\n";
     header.append(ruler, sizeof ruler);

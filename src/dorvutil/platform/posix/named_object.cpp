@@ -24,7 +24,7 @@ namespace dorvutil::platform {
 struct NamedObject {
     explicit NamedObject(const NamedKind& ofKind) : kind(ofKind) {}
 
-    const NamedKind& kind;
+    const NamedKind kind;
     NamedObject* next = nullptr;
     std::uint32_t openings = 1;
     pid_t opener = 0;
@@ -237,6 +237,11 @@ NamedObject* OpenNamed(const NamedKind& kind, const char16_t* name, const void* 
     object->next = g_open;
     g_open = object;
     return object;
+}
+
+void ReopenNamed(NamedObject* object) {
+    const Guard guard;
+    ++object->openings;
 }
 
 void* BodyOf(NamedObject* object) { return static_cast<char*>(object->mapping) + kAlignment; }

@@ -22,6 +22,9 @@ struct NamedKind {
 NamedObject* OpenNamed(const NamedKind& kind, const char16_t* name, const void* setting);
 void* BodyOf(NamedObject* object);
 
+/// Takes one more opening of an object that is open.
+void ReopenNamed(NamedObject* object);
+
 /// Takes one opening back; with the last one of the process the memory is unmapped, and with the last one of all the
 /// name is free again. A process forked off while a name was open may go on using it but does not prolong its life.
 void CloseNamed(NamedObject* object);
