@@ -4,6 +4,7 @@
 
 #include "search_command.h"
 #include "selftest_command.h"
+#include "system_command.h"
 
 namespace {
 
@@ -17,6 +18,7 @@ int main(int argc, char** argv) {
     std::function<int()> run;
     roadlyn::AddSearchCommand(app, run);
     roadlyn::AddSelftestCommand(app, run);
+    roadlyn::AddSystemCommand(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

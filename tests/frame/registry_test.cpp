@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 #include <string>
 
 #include "dorvutil/concurrency/low_res_timer_mgr.h"
@@ -65,6 +67,34 @@ TEST(Registry, TearsDownWithTheLastReferenceAndComesBackAfresh) {
     EXPECT_STREQ(without.c_str(false), "made without a registry");
     GetORVUtilGlobals()->ReleaseRef(true);
     GetORVUtilGlobals()->ObtainRef();  // the other tests of this process go on with a registry
+}
+
+std::ptrdiff_t EntriesOf(const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+}
+
+TEST(Registry, ComesUpAndDownAThousandTimesAndLeavesNothingBehind) {
+    GetORVUtilGlobals()->ReleaseRef(true);
+    std::ptrdiff_t threads = 0;
+    std::ptrdiff_t files = 0;
+    for (int round = 0; round < 1000; ++round) {
+        {
+            DependencyHolder client;
+            client.AddDependency(GetORVUtilGlobals());
+            ASSERT_NE(GetLogMgr(), nullptr) << round;
+            ASSERT_NE(GetSystemMgr(), nullptr) << round;
+        }
+        ASSERT_EQ(GetLogMgr(), nullptr) << round;
+        if (round == 0) {
+            threads = EntriesOf("/proc/self/task");
+            files = EntriesOf("/proc/self/fd");
+        }
+    }
+    // The system may take a moment to bury a thread that has ended.
+    for (int i = 0; i < 2000 && EntriesOf("/proc/self/task") > threads; ++i) platform::SleepMs(1);
+    EXPECT_LE(EntriesOf("/proc/self/task"), threads);
+    EXPECT_EQ(EntriesOf("/proc/self/fd"), files);
+    GetORVUtilGlobals()->ObtainRef();
 }
 
 TEST(Registry, StringsOutliveATearDown) {
