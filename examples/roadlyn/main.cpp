@@ -1,9 +1,14 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <iostream>
+#include <string>
 
+#include "command_log.h"
+#include "copy_command.h"
+#include "log_bench_command.h"
 #include "search_command.h"
 #include "selftest_command.h"
+#include "settings_command.h"
 #include "system_command.h"
 
 namespace {
@@ -15,8 +20,15 @@ constexpr int kBadUse = 2;
 int main(int argc, char** argv) {
     CLI::App app("roadlyn: what the dorvutil library can do, on real data", "roadlyn");
     app.require_subcommand(0, 1);
+    app.fallthrough();
+    std::string logDirectory;
+    app.add_option("--log-dir", logDirectory, "Where log files are written; beside this program unless given")
+        ->option_text("DIR");
     std::function<int()> run;
     roadlyn::AddSearchCommand(app, run);
+    roadlyn::AddCopyCommand(app, run);
+    roadlyn::AddSettingsCommand(app, run);
+    roadlyn::AddLogBenchCommand(app, run);
     roadlyn::AddSelftestCommand(app, run);
     roadlyn::AddSystemCommand(app, run);
     try {
@@ -24,7 +36,12 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : kBadUse;
     }
-    if (run) return run();
-    std::cout << app.help();
-    return 0;
+    if (!run) {
+        std::cout << app.help();
+        return 0;
+    }
+    const roadlyn::CommandLog log(logDirectory, {argv + 1, argv + argc});
+    const int exitCode = run();
+    log.Finish(exitCode);
+    return exitCode;
 }

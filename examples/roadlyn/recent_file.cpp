@@ -1,18 +1,14 @@
 #include "recent_file.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <limits>
-#include <system_error>
-#include <utility>
 
 #include "input_error.h"
 #include "place_table.h"
+#include "replace_file.h"
 #include "tsv_reader.h"
 
 namespace roadlyn {
@@ -46,43 +42,6 @@ std::vector<Choice> ParseRecentChoices(const std::string& path, std::string_view
     return choices;
 }
 
-// A file beside the target, removed unless it took the target's place.
-class TemporaryFile {
-public:
-    explicit TemporaryFile(const std::string& target) : m_target(target), m_path(target + ".XXXXXX") {
-        m_file = ::mkstemp(m_path.data());
-        if (m_file < 0) Fail();
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() {
-        if (m_file >= 0) ::close(m_file);
-        if (!m_path.empty()) ::unlink(m_path.c_str());
-    }
-
-    void Write(std::string_view text) {
-        while (!text.empty()) {
-            const ssize_t written = ::write(m_file, text.data(), text.size());
-            if (written < 0 && errno != EINTR) Fail();
-            if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
-        }
-    }
-
-    void TakeThePlace() {
-        if (::fsync(m_file) != 0) Fail();
-        if (::close(std::exchange(m_file, -1)) != 0) Fail();
-        std::filesystem::rename(m_path, m_target);
-        m_path.clear();
-    }
-
-private:
-    [[noreturn]] void Fail() { throw std::system_error(errno, std::generic_category()); }
-
-    std::string m_target;
-    std::string m_path;
-    int m_file;
-};
-
 }  // namespace
 
 std::vector<Choice> ReadRecentFile(const std::string& path) {
@@ -98,15 +57,7 @@ void RememberChoice(const std::string& path, const Choice& choice) {
     choices.resize(std::min(choices.size(), kMaxRecentChoices));
     std::string text(kHeader);
     for (const Choice& each : choices) text += FormatChoice(each) + "\n";
-    try {
-        const std::filesystem::path target(path);
-        if (target.has_parent_path()) std::filesystem::create_directories(target.parent_path());
-        TemporaryFile file(path);
-        file.Write(text);
-        file.TakeThePlace();
-    } catch (const std::system_error& error) {
-        throw InputError(path, 0, "cannot be written: " + error.code().message());
-    }
+    ReplaceFile(path, text);
 }
 
 std::string FormatChoice(const Choice& choice) {

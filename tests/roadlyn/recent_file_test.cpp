@@ -1,32 +1,20 @@
 #include "recent_file.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
-#include <csignal>
-#include <filesystem>
 #include <fstream>
 
 #include "input_error.h"
+#include "roadlyn/test_folder.h"
 #include "tsv_reader.h"
 
 namespace roadlyn {
 namespace {
 
-namespace fs = std::filesystem;
-
-class RecentFile : public testing::Test {
+class RecentFile : public FolderTest {
 protected:
-    RecentFile() : m_folder(fs::temp_directory_path() / ("roadlyn_" + std::to_string(::getpid()))) {
-        fs::create_directories(m_folder);
-    }
-    ~RecentFile() override { fs::remove_all(m_folder); }
-
-    std::string Path() const { return (m_folder / "state" / "recent.tsv").string(); }
+    std::string Path() const { return At("state/recent.tsv"); }
     static Choice Named(const std::string& name) { return {kPlaceSource, name, "DE", "Bayern", -1, 2, 3}; }
-
-    const fs::path m_folder;
 };
 
 TEST_F(RecentFile, NewestComesFirstAndOnce) {
@@ -54,28 +42,21 @@ TEST_F(RecentFile, DamagedFileIsReportedAndLeftAlone) {
     EXPECT_EQ(ReadWholeFile(Path()), before);
 }
 
-// The system refuses to let the new file grow, as a full disk would.
 TEST_F(RecentFile, FailedWriteLeavesTheOldFileAlone) {
     RememberChoice(Path(), Named("a"));
     const std::string before = ReadWholeFile(Path());
-    rlimit limit{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
-    const rlimit tiny{10, limit.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tiny), 0);
-    EXPECT_THROW(RememberChoice(Path(), Named("b")), InputError);
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-    std::signal(SIGXFSZ, handler);
+    {
+        const FileSizeLimit tiny(10);
+        EXPECT_THROW(RememberChoice(Path(), Named("b")), InputError);
+    }
     EXPECT_EQ(ReadWholeFile(Path()), before);
-    const auto entries = fs::directory_iterator(fs::path(Path()).parent_path());
-    EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
+    EXPECT_EQ(CountEntries(m_folder / "state"), 1);
 }
 
 TEST_F(RecentFile, WritingLeavesOnlyTheFileBehind) {
     RememberChoice(Path(), Named("a"));
     RememberChoice(Path(), Named("b"));
-    const auto entries = fs::directory_iterator(fs::path(Path()).parent_path());
-    EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
+    EXPECT_EQ(CountEntries(m_folder / "state"), 1);
 }
 
 TEST(ChoiceLine, ComesBackAsItWas) {

@@ -1,0 +1,73 @@
+#include "replace_file.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "input_error.h"
+
+namespace roadlyn {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A file beside the target, removed unless it took the target's place.
+class TemporaryFile {
+public:
+    explicit TemporaryFile(const std::string& target) : m_target(target), m_path(target + ".XXXXXX") {
+        m_file = ::mkstemp(m_path.data());
+        if (m_file < 0) Fail();
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
+        if (m_file >= 0) ::close(m_file);
+        if (!m_path.empty()) ::unlink(m_path.c_str());
+    }
+
+    void Write(std::string_view text) {
+        while (!text.empty()) {
+            const ssize_t written = ::write(m_file, text.data(), text.size());
+            if (written < 0 && errno != EINTR) Fail();
+            if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
+        }
+    }
+
+    void TakeThePlace() {
+        struct stat old = {};
+        if (::stat(m_target.c_str(), &old) == 0 && ::fchmod(m_file, old.st_mode & 07777) != 0) Fail();
+        if (::fsync(m_file) != 0) Fail();
+        if (::close(std::exchange(m_file, -1)) != 0) Fail();
+        fs::rename(m_path, m_target);
+        m_path.clear();
+    }
+
+private:
+    [[noreturn]] void Fail() { throw std::system_error(errno, std::generic_category()); }
+
+    std::string m_target;
+    std::string m_path;
+    int m_file;
+};
+
+}  // namespace
+
+void ReplaceFile(const std::string& path, std::string_view text) {
+    try {
+        fs::path target(path);
+        if (fs::exists(target)) target = fs::canonical(target);
+        if (target.has_parent_path()) fs::create_directories(target.parent_path());
+        TemporaryFile file(target.string());
+        file.Write(text);
+        file.TakeThePlace();
+    } catch (const std::system_error& error) {
+        throw InputError(path, 0, "cannot be written: " + error.code().message());
+    }
+}
+
+}  // namespace roadlyn
