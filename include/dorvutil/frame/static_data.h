@@ -40,7 +40,9 @@ public:
     /// Destroys the data when it is initialised. Until the next first ObtainRef nothing sets it up again.
     void TryTeardown();
     /// Builds the data unless it is built, being built on this thread, or torn down.
-    void Setup();
+    void Setup() {
+        if (!IsInitialized() && !m_tornDown.load(std::memory_order_acquire)) SetUpNow();
+    }
     /// Sets up every dependency, depth first, and then this holder.
     void SetupR();
     /// The log of this holder alone, asked for with the first reference; -1 without a log manager.
@@ -58,6 +60,7 @@ protected:
     void ObtainDependencies();
 
 private:
+    void SetUpNow();
     bool DoInitialize();
     void ReleaseDeps(bool clearList);
 

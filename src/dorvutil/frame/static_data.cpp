@@ -49,8 +49,7 @@ void StaticDataHolder::TryTeardown() {
     Teardown();
 }
 
-void StaticDataHolder::Setup() {
-    if (IsInitialized() || m_tornDown.load(std::memory_order_acquire)) return;
+void StaticDataHolder::SetUpNow() {
     const TScopedLock lock(m_lock);
     if (IsInitialized() || m_tornDown.load(std::memory_order_acquire) || m_initializing) return;
     DoInitialize();

@@ -126,6 +126,13 @@ std::uint32_t CountOf(const char* s, std::size_t left) {
     return static_cast<std::uint32_t>(StrCharCountWithin(s, static_cast<std::uint32_t>(left)));
 }
 
+std::int32_t CompareByCount(const char* a, std::size_t aLeft, const char* b, std::size_t bLeft) {
+    const std::uint32_t aChars = CountOf(a, aLeft);
+    const std::uint32_t bChars = CountOf(b, bLeft);
+    const std::int32_t r = CompareWithin(a, aLeft, b, bLeft, FoldCaseAndAccents, std::min(aChars, bChars));
+    return r != 0 ? Sign(r) : Sign(std::int64_t{aChars} - bChars);
+}
+
 }  // namespace
 
 const CodePointMap& FoldingMap(const SpecialCharTables& tables, FoldMode mode) {
@@ -152,24 +159,31 @@ std::int32_t CompareWithin(const char* a, std::size_t aLeft, const char* b, std:
     return ByteAt(a, p.a, aLeft) - ByteAt(b, p.b, bLeft);
 }
 
+namespace {
+
+// From where the first characters of ASCII, which both texts begin with, end. Apart from the usual way, which needs
+// nothing of it.
+[[gnu::noinline]] std::int32_t CompareRest(const CodePointMap& map, const char* a, std::size_t aLeft, const char* b,
+                                           std::size_t bLeft) {
+    // Both texts in order up to here: no counts are needed to know that both have the characters compared.
+    const Progress p = Run<true>(map, a, aLeft, b, bLeft, kAllChars);
+    if (p.stop == Stop::different) return Sign(p.difference);
+    if (p.stop == Stop::end) return HasMore(a, p.a, aLeft) - HasMore(b, p.b, bLeft);
+    return CompareByCount(a, aLeft, b, bLeft);
+}
+
+}  // namespace
+
 std::int32_t CompareThenCount(const char* a, std::size_t aLeft, const char* b, std::size_t bLeft) {
     const SpecialCharTables* const tables = SpecialCharTablesInUse();
-    if (tables != nullptr) {
-        // Most texts part after a few letters of ASCII.
-        const std::size_t same = EqualAscii(a, b, std::min(aLeft, bLeft));
-        if (same < aLeft && same < bLeft) {
-            const std::int32_t r = AsciiDifference(tables->upperFolded, a[same], b[same]);
-            if (r != 0) return Sign(r);
-        }
-        // Both texts in order up to here: no counts are needed to know that both have the characters compared.
-        const Progress p = Run<true>(tables->upperFolded, a + same, aLeft - same, b + same, bLeft - same, kAllChars);
-        if (p.stop == Stop::different) return Sign(p.difference);
-        if (p.stop == Stop::end) return HasMore(a + same, p.a, aLeft - same) - HasMore(b + same, p.b, bLeft - same);
+    if (tables == nullptr) return CompareByCount(a, aLeft, b, bLeft);
+    // Most texts part after a few letters of ASCII.
+    const std::size_t same = EqualAscii(a, b, std::min(aLeft, bLeft));
+    if (same < aLeft && same < bLeft) {
+        const std::int32_t r = AsciiDifference(tables->upperFolded, a[same], b[same]);
+        if (r != 0) return Sign(r);
     }
-    const std::uint32_t aChars = CountOf(a, aLeft);
-    const std::uint32_t bChars = CountOf(b, bLeft);
-    const std::int32_t r = CompareWithin(a, aLeft, b, bLeft, FoldCaseAndAccents, std::min(aChars, bChars));
-    return r != 0 ? Sign(r) : Sign(std::int64_t{aChars} - bChars);
+    return CompareRest(tables->upperFolded, a + same, aLeft - same, b + same, bLeft - same);
 }
 
 }  // namespace dorvutil
