@@ -5,6 +5,7 @@
 
 #include "dorvutil/concurrency/sync.h"
 #include "dorvutil/frame/export.h"
+#include "dorvutil/memory/block_map.h"
 #include "dorvutil/memory/vector.h"
 
 namespace dorvutil {
@@ -77,21 +78,19 @@ private:
     void MoveBlockUp(HeapBlock* block);
     void MoveBlockDown(HeapBlock* block);
     std::uint32_t FindHeapIndex(const void* p, bool forInsert) const;
-    void MeasureSpacing();
     HeapBlock* FindBlock(const void* p) const;
     unsigned char* FirstElement(HeapBlock* block) const;
     std::uint64_t ElementIndex(HeapBlock* block, const void* p) const;
 
     Allocator* m_parent;
     TVector<HeapBlock*> m_blocks;  // owned, sorted by address
+    BlockMap m_map;                // of m_blocks
     BlockStruct m_geometry;
-    HeapBlock* m_available = nullptr;       // fullest first
-    mutable HeapBlock* m_recent = nullptr;  // where the last look-up ended: the next one often ends there too
+    HeapBlock* m_available = nullptr;  // fullest first
     bool m_dedicated = false;
     HeapBlock** m_lastOf = nullptr;  // the last available block of each used count; made with the first block
     int m_evenBits;                  // the element size is an odd number times 2 to this power;
     std::uint64_t m_inverse;         // times the odd number it gives 1 modulo 2^64
-    double m_indexPerByte = 0.0;     // blocks per byte between the lowest and the highest one
 };
 
 }  // namespace dorvutil

@@ -101,6 +101,7 @@ Allocator::Allocator(std::uint32_t elementSize, tstype lock, std::uint32_t block
                      bool dedicateParent, bool isPrivate)
     : CCustomSync(lock),
       m_parent(parent),
+      m_map(blockSize),
       m_geometry(elementSize, blockSize),
       m_evenBits(std::countr_zero(m_geometry.m_elementSize)),
       m_inverse(InverseOfOdd(m_geometry.m_elementSize >> m_evenBits)) {
@@ -153,7 +154,8 @@ void Allocator::Cleanup() {
     const QuickGuard lock(*this);
     for (HeapBlock* const block : m_blocks) Remember(block);
     m_blocks.Flush();
-    m_available = m_recent = nullptr;
+    m_map.Clear();
+    m_available = nullptr;
     if (m_lastOf) std::fill_n(m_lastOf, m_geometry.m_elementsPerBlock, nullptr);
 }
 
@@ -164,7 +166,7 @@ std::uint32_t Allocator::LiveCount() const {
     return static_cast<std::uint32_t>(live);
 }
 
-HeapBlock* Allocator::ReserveBlock() {
+[[gnu::noinline, gnu::cold]] HeapBlock* Allocator::ReserveBlock() {
     if (m_geometry.m_elementsPerBlock == 0) return nullptr;
     if (!m_lastOf) {
         m_lastOf = static_cast<HeapBlock**>(Mem_Calloc(m_geometry.m_elementsPerBlock, sizeof(HeapBlock*)));
@@ -177,26 +179,18 @@ HeapBlock* Allocator::ReserveBlock() {
         Mem_Free(block);
         return nullptr;
     }
-    MeasureSpacing();
+    m_map.Add(m_blocks, block);
     AddToAvailable(block);
     return block;
 }
 
-// What FindBlock guesses with.
-void Allocator::MeasureSpacing() {
-    const std::uint32_t last = m_blocks.Count() - 1;
-    const auto span = reinterpret_cast<std::uintptr_t>(m_blocks[last]) - reinterpret_cast<std::uintptr_t>(m_blocks[0]);
-    m_indexPerByte = last == 0 ? 0.0 : static_cast<double>(last) / static_cast<double>(span);
-}
-
 void Allocator::ReleaseBlock(HeapBlock* block, std::uint32_t index) {
     m_blocks.DeleteAt(index);
-    if (m_recent == block) m_recent = nullptr;
+    m_map.Remove(block);
     Mem_Free(block);
-    MeasureSpacing();
 }
 
-void Allocator::UnlinkBlock(HeapBlock* block) {
+[[gnu::noinline, gnu::cold]] void Allocator::UnlinkBlock(HeapBlock* block) {
     RemoveFromAvailable(block);
     ReleaseBlock(block, FindHeapIndex(block, false));
 }
@@ -268,7 +262,7 @@ void Allocator::MoveBlockDown(HeapBlock* block) {
 
 // Index of the first block above `p`, or for a look-up the one before it: the block that may hold `p` (all bits set
 // when `p` lies below every block).
-std::uint32_t Allocator::FindHeapIndex(const void* p, bool forInsert) const {
+[[gnu::noinline]] std::uint32_t Allocator::FindHeapIndex(const void* p, bool forInsert) const {
     const auto address = reinterpret_cast<std::uintptr_t>(p);
     HeapBlock* const* const blocks = m_blocks.Data();
     std::uint32_t above = 0;
@@ -285,26 +279,15 @@ std::uint32_t Allocator::FindHeapIndex(const void* p, bool forInsert) const {
 // The block that holds `p`, null when none does.
 HeapBlock* Allocator::FindBlock(const void* p) const {
     const auto address = reinterpret_cast<std::uintptr_t>(p);
-    const auto holds = [this, address](const HeapBlock* block) {
-        return address - reinterpret_cast<std::uintptr_t>(block) < m_geometry.m_blockSize;
-    };
-    if (m_recent && holds(m_recent)) return m_recent;
-    const std::uint32_t count = m_blocks.Count();
-    if (count == 0) return nullptr;
-    HeapBlock* const* const blocks = m_blocks.Data();
-
-    // Blocks mostly stand side by side, so that the place of the address between the lowest and the highest block tells
-    // the index, give or take one. Elsewhere the bisection finds it.
-    const auto distance = static_cast<std::int64_t>(address - reinterpret_cast<std::uintptr_t>(blocks[0]));
-    const auto guess =
-        static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<double>(distance) * m_indexPerByte));
-    std::uint32_t index = guess < count ? static_cast<std::uint32_t>(guess) : count - 1;
-    if (!holds(blocks[index])) {
-        const std::uint32_t beside = address < reinterpret_cast<std::uintptr_t>(blocks[index]) ? index - 1 : index + 1;
-        index = beside < count && holds(blocks[beside]) ? beside : FindHeapIndex(p, false);
-        if (index >= count || !holds(blocks[index])) return nullptr;
+    const HeapBlock* block = nullptr;
+    if (m_map.IsThere()) [[likely]] {
+        block = m_map.Find(address);
+    } else {
+        const std::uint32_t index = FindHeapIndex(p, false);
+        if (index < m_blocks.Count()) block = m_blocks[index];
     }
-    return m_recent = blocks[index];
+    const bool holds = address - reinterpret_cast<std::uintptr_t>(block) < m_geometry.m_blockSize;
+    return holds ? const_cast<HeapBlock*>(block) : nullptr;
 }
 
 unsigned char* Allocator::FirstElement(HeapBlock* block) const {
