@@ -10,6 +10,7 @@
 
 #include "dorvutil/frame/registry.h"
 #include "dorvutil/memory/heap.h"
+#include "dorvutil/platform/clock.h"
 #include "dorvutil/platform/thread.h"
 #include "logging/log_support.h"
 #include "messaging/registry_down.h"
@@ -139,15 +140,19 @@ TEST(CLogMgr, PublishingAllocatesNothing) {
     CLogMgr log;
     const std::string longText(700, 'x');
     log.LockTempBuffer();
-    log.Publish(2, 5, "f", 1, "the first reads the time zone", 0, true);
-    const std::size_t before = t_allocations;
+    log.Publish(2, 5, "f", 1, "the first of a second reads the time zone", 0, true);
+    Log_Publish(2, 5, "f", 1, "text");
+    const std::uint64_t firstSecond = platform::FileTimeNow() / 10'000'000;
+    std::size_t before = t_allocations;
     for (int i = 0; i < 1000; ++i) {
         const char* const text = log.MakeString("%d %s %-20.5f|%08x", i, longText.c_str(), i / 3.0, i);
         log.Publish(2, 5, "f", 1, text, 0, true);
         Log_Publish(2, 5, "f", 1, "text");
     }
-    EXPECT_EQ(t_allocations, before);
+    const std::uint64_t secondsPassed = platform::FileTimeNow() / 10'000'000 - firstSecond;
+    EXPECT_LE(t_allocations, before + 2 * secondsPassed);  // each manager asks the C library for its time zone anew
     log.UnlockTempBuffer();
+    before = t_allocations;
     std::free(Mem_Malloc(10));
     EXPECT_EQ(t_allocations - before, DORVUTIL_OWN_MALLOC);
 }

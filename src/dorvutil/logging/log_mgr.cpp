@@ -3,9 +3,10 @@
 #include <cstdio>
 #include <iterator>
 
-#include "dorvutil/logging/local_time.h"
 #include "dorvutil/platform/clock.h"
 #include "dorvutil/platform/thread.h"
+#include "dorvutil/time/calendar.h"
+#include "dorvutil/time/file_time.h"
 
 namespace dorvutil {
 namespace {
@@ -92,13 +93,15 @@ std::int32_t CLogMgr::PublishInTurn(std::int32_t publisher, std::int32_t level, 
 // backwards from one record to the next.
 void CLogMgr::Complete(LogDataHolder& record, const char* file, const char* message) {
     LogDataMsg& fields = record.m_record;
+    using calendar::kTicksPerMillisecond, calendar::kTicksPerSecond;
     const std::uint64_t now = platform::FileTimeNow();
-    if (const std::uint64_t second = now / kFileTimePerSecond; second != m_second) {
+    if (const std::uint64_t second = now / kTicksPerSecond; second != m_second) {
         m_second = second;
-        m_localTime = LocalTimeOfSecond(second);
+        const ORV_FILETIME start = calendar::FileTime(second * kTicksPerSecond);
+        if (!TIME_FileTimeToLocalTime(&start, &m_localTime)) TIME_FileTimeToSystemTime(&start, &m_localTime);
     }
     fields.m_time = m_localTime;
-    fields.m_time.wMilliseconds = static_cast<std::uint16_t>(now % kFileTimePerSecond / kFileTimePerMillisecond);
+    fields.m_time.wMilliseconds = static_cast<std::uint16_t>(now % kTicksPerSecond / kTicksPerMillisecond);
     fields.m_tick = platform::TickCount();
     LogPublisher* const publisher = FindPublisher(fields.m_publisher);
     fields.m_tickDelta = publisher ? publisher->TickDelta(fields.m_tick) : 0;

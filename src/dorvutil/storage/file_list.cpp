@@ -1,15 +1,13 @@
 #include "dorvutil/storage/file_list.h"
 
-#include <algorithm>
-#include <chrono>
 #include <cstring>
-#include <limits>
 
 #include "dorvutil/frame/accessors.h"
 #include "dorvutil/platform/directory.h"
 #include "dorvutil/storage/file_list_core.h"
 #include "dorvutil/storage/file_system.h"
 #include "dorvutil/storage/path_parts.h"
+#include "dorvutil/time/file_time.h"
 
 namespace dorvutil {
 namespace {
@@ -27,19 +25,11 @@ bool IsExcluded(const char* name, const ListChoice& choice) {
 }
 
 ORVustring DateText(std::uint64_t fileTime, bool withTime) {
-    using namespace std::chrono;
-    using Ticks = duration<std::int64_t, std::ratio<1, 10'000'000>>;
-    constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
-    const Ticks sinceStart(static_cast<std::int64_t>(std::min(fileTime, kMost)));
-    const days wholeDays = floor<days>(sinceStart);
-    const year_month_day date(sys_days(year(1601) / January / 1) + wholeDays);
-    const auto y = static_cast<int>(date.year());
-    const auto m = static_cast<int>(static_cast<unsigned>(date.month()));
-    const auto d = static_cast<int>(static_cast<unsigned>(date.day()));
-    if (!withTime) return ORVustring::printf("%d/%d/%d", m, d, y);
-    const hh_mm_ss time(floor<seconds>(sinceStart - wholeDays));
-    return ORVustring::printf("%d/%d/%d-%d:%d:%d", y, m, d, static_cast<int>(time.hours().count()),
-                              static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
+    const ORV_FILETIME time{static_cast<std::uint32_t>(fileTime), static_cast<std::uint32_t>(fileTime >> 32)};
+    ORV_SYSTEMTIME t;
+    TIME_FileTimeToSystemTime(&time, &t);
+    if (!withTime) return ORVustring::printf("%d/%d/%d", t.wMonth, t.wDay, t.wYear);
+    return ORVustring::printf("%d/%d/%d-%d:%d:%d", t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond);
 }
 
 const char* NextCharacter(const char* at) {
