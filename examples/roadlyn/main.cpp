@@ -3,6 +3,7 @@
 #include <iostream>
 #include <string>
 
+#include "check_command.h"
 #include "command_log.h"
 #include "copy_command.h"
 #include "log_bench_command.h"
@@ -31,6 +32,7 @@ int main(int argc, char** argv) {
     roadlyn::AddLogBenchCommand(app, run);
     roadlyn::AddSelftestCommand(app, run);
     roadlyn::AddSystemCommand(app, run);
+    roadlyn::AddCheckCommand(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -2,6 +2,7 @@
 
 /// Memory and containers: vectors, lists, hash tables, bit arrays, pools and heaps.
 #include "dorvutil/memory/bit_vector.h"
+#include "dorvutil/memory/dlmalloc.h"
 #include "dorvutil/memory/hash.h"
 #include "dorvutil/memory/heap.h"
 #include "dorvutil/memory/iterator.h"
