@@ -12,12 +12,13 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 # From the bottom up; the first pattern that matches a file decides its layer.
 LAYERS = [
     ("platform", r"^platform/"),
-    ("accessors", r"^frame/(accessors|export|byte_order|build_info)\.h$"),
+    ("accessors", r"^frame/(accessors|export|byte_order|build_info|random)\.h$"),
     ("sync", r"^concurrency/(locks|event|sync|lockable|semaphore|object_name|crit_sec_inl)\b"),
     ("memory", r"^memory/"),
     ("text", r"^text/"),
-    ("services", r"^(time|security|geometry)/"),
+    ("services", r"^(time|geometry)/"),
     ("storage", r"^storage/"),
+    ("security", r"^security/"),
     ("threads", r"^concurrency/"),
     ("logging", r"^logging/"),
     ("messaging", r"^messaging/"),

@@ -4,9 +4,13 @@
 #include <string>
 
 #include "check_command.h"
+#include "checksum_command.h"
+#include "cipher_command.h"
 #include "command_log.h"
 #include "copy_command.h"
+#include "hash_command.h"
 #include "log_bench_command.h"
+#include "nmea_command.h"
 #include "search_command.h"
 #include "selftest_command.h"
 #include "settings_command.h"
@@ -29,6 +33,10 @@ int main(int argc, char** argv) {
     roadlyn::AddSearchCommand(app, run);
     roadlyn::AddCopyCommand(app, run);
     roadlyn::AddSettingsCommand(app, run);
+    roadlyn::AddHashCommand(app, run);
+    roadlyn::AddCipherCommands(app, run);
+    roadlyn::AddChecksumCommand(app, run);
+    roadlyn::AddNmeaCommand(app, run);
     roadlyn::AddLogBenchCommand(app, run);
     roadlyn::AddSelftestCommand(app, run);
     roadlyn::AddSystemCommand(app, run);

@@ -41,13 +41,22 @@ public:
     void TakeThePlace() {
         struct stat old = {};
         if (::stat(m_target.c_str(), &old) == 0 && ::fchmod(m_file, old.st_mode & 07777) != 0) Fail();
-        if (::fsync(m_file) != 0) Fail();
-        if (::close(std::exchange(m_file, -1)) != 0) Fail();
+        Finish();
         fs::rename(m_path, m_target);
         m_path.clear();
     }
 
+    // A second name fails where there is a file, which a renaming would replace; the first name goes in the end.
+    void TakeAFreePlace() {
+        Finish();
+        if (::link(m_path.c_str(), m_target.c_str()) != 0) Fail();
+    }
+
 private:
+    void Finish() {
+        if (::fsync(m_file) != 0) Fail();
+        if (::close(std::exchange(m_file, -1)) != 0) Fail();
+    }
     [[noreturn]] void Fail() { throw std::system_error(errno, std::generic_category()); }
 
     std::string m_target;
@@ -55,19 +64,40 @@ private:
     int m_file;
 };
 
-}  // namespace
-
-void ReplaceFile(const std::string& path, std::string_view text) {
+// Calls `write` with what can go wrong on a disk turned into an error of that file.
+template <class Write>
+void WithErrorsOf(const std::string& path, Write write) {
     try {
-        fs::path target(path);
-        if (fs::exists(target)) target = fs::canonical(target);
-        if (target.has_parent_path()) fs::create_directories(target.parent_path());
-        TemporaryFile file(target.string());
-        file.Write(text);
-        file.TakeThePlace();
+        write();
     } catch (const std::system_error& error) {
         throw InputError(path, 0, "cannot be written: " + error.code().message());
     }
+}
+
+void CreateFolderOf(const fs::path& target) {
+    if (target.has_parent_path()) fs::create_directories(target.parent_path());
+}
+
+}  // namespace
+
+void ReplaceFile(const std::string& path, std::string_view text) {
+    WithErrorsOf(path, [&] {
+        fs::path target(path);
+        if (fs::exists(target)) target = fs::canonical(target);
+        CreateFolderOf(target);
+        TemporaryFile file(target.string());
+        file.Write(text);
+        file.TakeThePlace();
+    });
+}
+
+void CreateWholeFile(const std::string& path, std::string_view text) {
+    WithErrorsOf(path, [&] {
+        CreateFolderOf(path);
+        TemporaryFile file(path);
+        file.Write(text);
+        file.TakeAFreePlace();
+    });
 }
 
 }  // namespace roadlyn

@@ -10,4 +10,7 @@ namespace roadlyn {
 /// cannot be written; it is unchanged then and nothing is left beside it.
 void ReplaceFile(const std::string& path, std::string_view text);
 
+/// The same for a file that must not exist yet, not even as a link: throws InputError when it does.
+void CreateWholeFile(const std::string& path, std::string_view text);
+
 }  // namespace roadlyn

@@ -6,6 +6,7 @@
 #include "dorvutil/logging.h"
 #include "dorvutil/memory.h"
 #include "dorvutil/messaging.h"
+#include "dorvutil/security.h"
 #include "dorvutil/storage.h"
 #include "dorvutil/system.h"
 #include "dorvutil/text.h"
