@@ -3,11 +3,14 @@
 #include <iostream>
 #include <string>
 
+#include "albers_command.h"
 #include "check_command.h"
 #include "checksum_command.h"
 #include "cipher_command.h"
 #include "command_log.h"
 #include "copy_command.h"
+#include "distance_command.h"
+#include "grid_command.h"
 #include "hash_command.h"
 #include "log_bench_command.h"
 #include "nmea_command.h"
@@ -31,16 +34,19 @@ int main(int argc, char** argv) {
         ->option_text("DIR");
     std::function<int()> run;
     roadlyn::AddSearchCommand(app, run);
-    roadlyn::AddCopyCommand(app, run);
-    roadlyn::AddSettingsCommand(app, run);
-    roadlyn::AddHashCommand(app, run);
-    roadlyn::AddCipherCommands(app, run);
-    roadlyn::AddChecksumCommand(app, run);
-    roadlyn::AddNmeaCommand(app, run);
-    roadlyn::AddLogBenchCommand(app, run);
-    roadlyn::AddSelftestCommand(app, run);
-    roadlyn::AddSystemCommand(app, run);
+    roadlyn::AddAlbersCommand(app, run);
     roadlyn::AddCheckCommand(app, run);
+    roadlyn::AddChecksumCommand(app, run);
+    roadlyn::AddCipherCommands(app, run);
+    roadlyn::AddCopyCommand(app, run);
+    roadlyn::AddDistanceCommand(app, run);
+    roadlyn::AddGridCommand(app, run);
+    roadlyn::AddHashCommand(app, run);
+    roadlyn::AddLogBenchCommand(app, run);
+    roadlyn::AddNmeaCommand(app, run);
+    roadlyn::AddSelftestCommand(app, run);
+    roadlyn::AddSettingsCommand(app, run);
+    roadlyn::AddSystemCommand(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

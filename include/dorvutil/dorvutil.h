@@ -3,6 +3,7 @@
 /// Everything the library offers.
 #include "dorvutil/concurrency.h"
 #include "dorvutil/frame.h"
+#include "dorvutil/geometry.h"
 #include "dorvutil/logging.h"
 #include "dorvutil/memory.h"
 #include "dorvutil/messaging.h"

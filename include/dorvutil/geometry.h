@@ -1,0 +1,12 @@
+#pragma once
+
+/// Geometry on the latitude/longitude grid: distances, directions, units, coordinate text and projections.
+#include "dorvutil/geometry/albers.h"
+#include "dorvutil/geometry/coordinate_text.h"
+#include "dorvutil/geometry/delta_time.h"
+#include "dorvutil/geometry/direction.h"
+#include "dorvutil/geometry/distance.h"
+#include "dorvutil/geometry/fixed_trig.h"
+#include "dorvutil/geometry/national_grid.h"
+#include "dorvutil/geometry/point.h"
+#include "dorvutil/geometry/units.h"
