@@ -8,4 +8,7 @@ namespace roadlyn {
 /// is none.
 std::string_view CountryName(std::string_view code);
 
+/// The number of the country in ISO 3166-1, 1 to 999; 0 when it has none.
+int CountryNumber(std::string_view code);
+
 }  // namespace roadlyn

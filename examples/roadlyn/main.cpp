@@ -17,7 +17,10 @@
 #include "search_command.h"
 #include "selftest_command.h"
 #include "settings_command.h"
+#include "snap_command.h"
 #include "system_command.h"
+#include "thin_command.h"
+#include "where_command.h"
 
 namespace {
 
@@ -46,7 +49,10 @@ int main(int argc, char** argv) {
     roadlyn::AddNmeaCommand(app, run);
     roadlyn::AddSelftestCommand(app, run);
     roadlyn::AddSettingsCommand(app, run);
+    roadlyn::AddSnapCommand(app, run);
     roadlyn::AddSystemCommand(app, run);
+    roadlyn::AddThinCommand(app, run);
+    roadlyn::AddWhereCommand(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -4,13 +4,13 @@
 
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "data_path.h"
 #include "host_session.h"
 #include "input_error.h"
 #include "recent_file.h"
@@ -44,19 +44,6 @@ struct SearchWords {
     std::optional<bool> tsv;
     std::vector<std::string> texts;
 };
-
-// Beside the program as installed, else beside the source tree it was built from.
-std::string DefaultPlacesPath() {
-    namespace fs = std::filesystem;
-    std::error_code ignored;
-    const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
-    const fs::path candidates[] = {program.parent_path() / ".." / ROADLYN_SHARE_DIR / "places.tsv",
-                                   fs::path(ROADLYN_DATA_DIR) / "places.tsv"};
-    for (const fs::path& candidate : candidates) {
-        if (fs::exists(candidate, ignored)) return candidate.lexically_normal().string();
-    }
-    return candidates[0].lexically_normal().string();
-}
 
 SearchOptions OptionsOf(const SearchWords& words) {
     const Settings settings = words.settingsPath.empty() ? Settings() : ReadSettings(words.settingsPath);
@@ -97,7 +84,7 @@ int Search(const SearchWords& words) {
         const SearchOptions options = OptionsOf(words);
         for (const std::string& text : options.texts) CheckTypedText(text, "TEXT", 0);
         SessionOptions session;
-        session.placesPath = options.places.empty() ? DefaultPlacesPath() : options.places;
+        session.placesPath = options.places.empty() ? DataPath("places.tsv") : options.places;
         session.recentPath = options.recent;
         session.smart = options.smart;
         session.exact = options.exact;
