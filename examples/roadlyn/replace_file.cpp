@@ -40,21 +40,27 @@ public:
 
     void TakeThePlace() {
         struct stat old = {};
-        if (::stat(m_target.c_str(), &old) == 0 && ::fchmod(m_file, old.st_mode & 07777) != 0) Fail();
-        Finish();
+        const bool replaces = ::stat(m_target.c_str(), &old) == 0;
+        Finish(replaces ? old.st_mode & 07777 : NewFileMode());
         fs::rename(m_path, m_target);
         m_path.clear();
     }
 
     // A second name fails where there is a file, which a renaming would replace; the first name goes in the end.
     void TakeAFreePlace() {
-        Finish();
+        Finish(NewFileMode());
         if (::link(m_path.c_str(), m_target.c_str()) != 0) Fail();
     }
 
 private:
-    void Finish() {
-        if (::fsync(m_file) != 0) Fail();
+    // What any program's new file gets; the system tells it only in exchange for another.
+    static mode_t NewFileMode() {
+        const mode_t mask = ::umask(077);
+        ::umask(mask);
+        return 0666 & ~mask;
+    }
+    void Finish(mode_t mode) {
+        if (::fchmod(m_file, mode) != 0 || ::fsync(m_file) != 0) Fail();
         if (::close(std::exchange(m_file, -1)) != 0) Fail();
     }
     [[noreturn]] void Fail() { throw std::system_error(errno, std::generic_category()); }

@@ -16,7 +16,7 @@
 namespace roadlyn {
 namespace {
 
-constexpr double kPictureWidth = 800;  // pixels
+constexpr double kPictureSize = 800;  // pixels
 
 struct SnapOptions {
     std::string roads;
@@ -63,7 +63,7 @@ void Draw(const std::string& path, const std::vector<Shape>& roads, const std::v
           const std::vector<Snapped>& snapped) {
     std::vector<Point> shown = positions;
     for (const Snapped& one : snapped) shown.push_back(one.at);
-    SvgMap map(BoundsOf(shown), kPictureWidth);
+    SvgMap map(BoundsOf(shown), kPictureSize);
     for (const Shape& road : roads) {
         if (map.Shows(road.bounds)) map.Polyline(road.points, "stroke=\"#aaa\" stroke-width=\"2\"");
     }

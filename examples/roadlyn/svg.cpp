@@ -63,12 +63,15 @@ std::string Text(double x, double y, std::string_view colour, std::string_view t
 
 }  // namespace
 
-SvgMap::SvgMap(const Rect& part, double widthPx) : m_part(Widened(part)), m_width(widthPx) {
+SvgMap::SvgMap(const Rect& part, double sizePx) : m_part(Widened(part)) {
     const double middle = (double{1} * m_part.minY + m_part.maxY) / 2;
     const double narrowing = std::max(std::cos(middle * kRadiansPerUnit), 0.05);
-    m_xScale = m_width / (double{1} * m_part.maxX - m_part.minX);
-    m_yScale = m_xScale / narrowing;
-    m_height = (double{1} * m_part.maxY - m_part.minY) * m_yScale;
+    const double height = double{1} * m_part.maxY - m_part.minY;
+    const double width = (double{1} * m_part.maxX - m_part.minX) * narrowing;
+    m_yScale = sizePx / std::max(width, height);
+    m_xScale = m_yScale * narrowing;
+    m_width = width * m_yScale;
+    m_height = height * m_yScale;
 }
 
 void SvgMap::Position(const Point& point, std::string& out) const {
@@ -103,12 +106,14 @@ bool SvgMap::Shows(const Rect& rect) const {
     return rect.minX <= m_part.maxX && rect.maxX >= m_part.minX && rect.minY <= m_part.maxY && rect.maxY >= m_part.minY;
 }
 
+// True in the middle of the picture.
 std::string SvgMap::ScaleBar() const {
+    constexpr std::int32_t kSpan = 1000;  // coordinate units, few enough to be straight
     const std::int32_t y = m_part.minY / 2 + m_part.maxY / 2;
-    const double metres = dorvutil::GC_DistNear(m_part.minX, y, m_part.maxX, y, dorvutil::DT_METERS);
+    const double metres = dorvutil::GC_DistNear(0, y, kSpan, y, dorvutil::DT_METERS) / (kSpan * m_xScale);  // a pixel
     if (metres <= 0) return {};
-    const double length = RoundedDown(metres / 4);
-    const double px = length / metres * m_width;
+    const double length = RoundedDown(metres * m_width / 4);
+    const double px = length / metres;
     const double top = m_height - 12;
     char text[32];
     std::snprintf(text, sizeof text, length < 1000 ? "%.0f m" : "%.0f km", length < 1000 ? length : length / 1000);

@@ -13,8 +13,8 @@ namespace roadlyn {
 /// latitude by the cosine of the middle latitude. Whatever lies outside the part is cut off by the frame.
 class SvgMap {
 public:
-    /// @param part what is shown; made a little larger on each side. @param widthPx of the picture.
-    SvgMap(const Rect& part, double widthPx);
+    /// @param part what is shown; made a little larger on each side. @param sizePx of the longer side.
+    SvgMap(const Rect& part, double sizePx);
 
     /// `style` is a list of attributes, as stroke="#888" stroke-width="1".
     void Polyline(const std::vector<Point>& points, std::string_view style);

@@ -16,11 +16,12 @@
 namespace roadlyn {
 namespace {
 
-constexpr double kPictureWidth = 800;  // pixels
+constexpr double kPictureSize = 800;  // pixels
 
 struct ThinOptions {
     std::string input;
     std::string svg;
+    std::vector<std::string> ids;
     ThinningRules rules;
     bool tsv = false;
 };
@@ -37,6 +38,19 @@ std::string PointsText(const std::vector<Point>& points) {
         text += std::to_string(point.x) + ',' + std::to_string(point.y);
     }
     return text;
+}
+
+// The lines that are asked for; all of them when none is.
+std::vector<Shape> ChosenLines(const ThinOptions& options) {
+    std::vector<Shape> lines = ReadShapeFile(options.input);
+    if (options.ids.empty()) return lines;
+    std::vector<Shape> chosen;
+    for (const std::string& id : options.ids) {
+        const auto found = std::find_if(lines.begin(), lines.end(), [&id](const Shape& line) { return line.id == id; });
+        if (found == lines.end()) throw InputError(options.input, 0, "there is no line '" + id + "'");
+        chosen.push_back(*found);
+    }
+    return chosen;
 }
 
 void CheckLocked(const ThinOptions& options, const std::vector<Shape>& lines) {
@@ -78,7 +92,7 @@ void Draw(const std::string& path, const std::vector<Shape>& lines, const std::v
         part = {std::min(part.minX, line.bounds.minX), std::min(part.minY, line.bounds.minY),
                 std::max(part.maxX, line.bounds.maxX), std::max(part.maxY, line.bounds.maxY)};
     }
-    SvgMap map(part, kPictureWidth);
+    SvgMap map(part, kPictureSize);
     for (const Shape& line : lines) map.Polyline(line.points, "stroke=\"#6ad\" stroke-width=\"2.5\"");
     for (const Thinned& line : thinned) map.Polyline(line.points, "stroke=\"#c22\" stroke-width=\"0.8\"");
     map.Legend("before", "#38c");
@@ -87,7 +101,7 @@ void Draw(const std::string& path, const std::vector<Shape>& lines, const std::v
 }
 
 void Thin(const ThinOptions& options) {
-    const std::vector<Shape> lines = ReadShapeFile(options.input);
+    const std::vector<Shape> lines = ChosenLines(options);
     CheckLocked(options, lines);
     std::vector<Thinned> thinned;
     for (const Shape& line : lines) {
@@ -134,6 +148,7 @@ void AddThinCommand(CLI::App& app, std::function<int()>& run) {
                      "the length that is left")
         ->required()
         ->check(CLI::NonNegativeNumber);
+    command->add_option("--line", options->ids, "Only the lines of these ids")->delimiter(',')->option_text("ID,...");
     command->add_option("--lock", rules.locked, "Vertices of every line that stay, counted from 0")
         ->delimiter(',')
         ->option_text("N,...");
