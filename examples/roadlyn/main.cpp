@@ -14,6 +14,8 @@
 #include "hash_command.h"
 #include "log_bench_command.h"
 #include "nmea_command.h"
+#include "photo_command.h"
+#include "ports_command.h"
 #include "search_command.h"
 #include "selftest_command.h"
 #include "settings_command.h"
@@ -47,6 +49,8 @@ int main(int argc, char** argv) {
     roadlyn::AddHashCommand(app, run);
     roadlyn::AddLogBenchCommand(app, run);
     roadlyn::AddNmeaCommand(app, run);
+    roadlyn::AddPhotoCommand(app, run);
+    roadlyn::AddPortsCommand(app, run);
     roadlyn::AddSelftestCommand(app, run);
     roadlyn::AddSettingsCommand(app, run);
     roadlyn::AddSnapCommand(app, run);

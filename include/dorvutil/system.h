@@ -1,7 +1,10 @@
 #pragma once
 
-/// The system the library runs on: its description, processes, shared memory and devices; forms of what users type.
+/// The system the library runs on: its description, processes, shared memory, devices and serial ports; the position in
+/// a photo; forms of what users type.
+#include "dorvutil/system/comm_ports.h"
 #include "dorvutil/system/devices.h"
+#include "dorvutil/system/jpeg_exif.h"
 #include "dorvutil/system/process.h"
 #include "dorvutil/system/shared_memory.h"
 #include "dorvutil/system/sys_attr.h"

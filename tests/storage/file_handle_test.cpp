@@ -125,6 +125,20 @@ TEST_F(DiskHandle, WritesReadsAppendsAndSeeks) {
     EXPECT_EQ(both->Seek(0, static_cast<eSeekMode>(3)), -1);
 }
 
+TEST_F(DiskHandle, StepsWithinWhatWasReadAheadEndWhereTheySay) {
+    auto file = Open("steps", eAccessWrite);
+    EXPECT_EQ(file->Write("0123456789", 10, 1), 10u);
+    EXPECT_EQ(file->Close(), 0);
+    for (std::int32_t step = -1; step < 12; ++step) {
+        file = Open("steps", eAccessRead);
+        char byte = 0;
+        EXPECT_EQ(file->Read(&byte, 1, 1), 1u);
+        EXPECT_EQ(file->Seek(step, eSeekCur), 0);
+        EXPECT_EQ(file->Tell(), 1 + step);
+        EXPECT_EQ(Text(*file), step < 9 ? std::string("0123456789").substr(static_cast<std::size_t>(1 + step)) : "");
+    }
+}
+
 TEST_F(DiskHandle, AnUnknownModeDoesNotOpen) {
     EXPECT_EQ(Open("a", eAccessNone), nullptr);
     EXPECT_EQ(Open("a", static_cast<eAccessMode>(5)), nullptr);

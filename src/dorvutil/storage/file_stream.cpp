@@ -64,7 +64,12 @@ std::size_t FileStream::Write(const void* from, std::size_t n) {
     return n;
 }
 
+// A step forward within what has been read costs nothing: many small ones would else read the file again and again.
 bool FileStream::Seek(std::int64_t offset, SeekOrigin origin) {
+    if (origin == SeekOrigin::kCurrent && offset >= 0 && static_cast<std::uint64_t>(offset) < m_end - m_next) {
+        m_next += static_cast<std::size_t>(offset);
+        return true;
+    }
     return Drain() && DropUnread() && platform::SeekDescriptor(m_file, offset, origin) >= 0;
 }
 

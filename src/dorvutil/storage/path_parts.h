@@ -1,6 +1,7 @@
 #pragma once
 
 #include <new>
+#include <type_traits>
 
 #include "dorvutil/memory/list.h"
 #include "dorvutil/text/string.h"
@@ -21,12 +22,13 @@ inline ORVustring JoinPath(const ORVustring& dir, const ORVustring& name) {
 }
 
 /// Adds a copy of `text`; of a list that does not own its items the caller destroys the copies.
-inline void AddText(ListMgr<ORVustring>& list, ORVustring text) {
+template <class S>
+void AddText(ListMgr<S>& list, std::type_identity_t<S> text) {
     if (list.OwnsItems()) {
         list.Add(&text);
         return;
     }
-    ORVustring* const copy = new (std::nothrow) ORVustring(text);
+    S* const copy = new (std::nothrow) S(text);
     if (copy && list.Add(copy) < 0) delete copy;
 }
 
