@@ -9,6 +9,7 @@
 #include "cipher_command.h"
 #include "command_log.h"
 #include "copy_command.h"
+#include "crash_test_command.h"
 #include "distance_command.h"
 #include "grid_command.h"
 #include "hash_command.h"
@@ -44,6 +45,7 @@ int main(int argc, char** argv) {
     roadlyn::AddChecksumCommand(app, run);
     roadlyn::AddCipherCommands(app, run);
     roadlyn::AddCopyCommand(app, run);
+    roadlyn::AddCrashTestCommand(app, run);
     roadlyn::AddDistanceCommand(app, run);
     roadlyn::AddGridCommand(app, run);
     roadlyn::AddHashCommand(app, run);

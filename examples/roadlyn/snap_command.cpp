@@ -53,6 +53,7 @@ void PrintLine(const Point& position, const Snapped& snapped, const Shape& road)
 
 void PrintSummary(const std::vector<Snapped>& snapped) {
     std::vector<double> metres;
+    metres.reserve(snapped.size());
     for (const Snapped& one : snapped) metres.push_back(one.metres);
     std::sort(metres.begin(), metres.end());
     std::printf("positions %zu, distance to the road: median %.2f m, largest %.2f m\n", metres.size(),
@@ -83,6 +84,7 @@ void Snap(const SnapOptions& options) {
     const std::vector<Point> positions = Positions(options);
     const std::vector<Shape> roads = ReadShapeFile(options.roads);
     std::vector<Snapped> snapped;
+    snapped.reserve(positions.size());
     for (const Point& position : positions) snapped.push_back(SnapToRoads(roads, position));
     if (!options.svg.empty()) Draw(options.svg, roads, positions, snapped);
     if (options.tsv)

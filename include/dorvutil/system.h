@@ -7,6 +7,7 @@
 #include "dorvutil/system/jpeg_exif.h"
 #include "dorvutil/system/process.h"
 #include "dorvutil/system/shared_memory.h"
+#include "dorvutil/system/stack_walker.h"
 #include "dorvutil/system/sys_attr.h"
 #include "dorvutil/system/system_info.h"
 #include "dorvutil/system/system_mgr.h"

@@ -16,24 +16,35 @@ constexpr int kRelativePriority[] = {-2, -1, 0, 1, 2};
 // How often an object whose events could not be created looks whether it has been started.
 constexpr std::uint32_t kPollMs = 10;
 
-// A second crash waits for the end that the first one brings; should the report of the first one hang, it brings the
-// end itself.
-constexpr std::uint32_t kReportLimitMs = 10'000;
+// The time for all reports, that of reading much debugging information included; the process ends then in any case.
+constexpr std::uint32_t kReportLimitMs = 30'000;
 
 constinit std::atomic<CrashReporter> g_reporter{nullptr};
-constinit std::atomic<bool> g_crashing{false};
+constinit std::atomic<bool> g_crashed{false};
+constinit std::atomic<std::uint32_t> g_reporting{0};  // threads whose reports are not complete
 constinit thread_local RWinThread* t_running = nullptr;
+
+// The first thread that crashed ends the process, when the reports of those that crashed meanwhile are there too. The
+// others wait for that.
+void AwaitEnd(bool first) {
+    constexpr std::uint32_t kPauseMs = 5;
+    for (std::uint32_t waited = 0; waited < kReportLimitMs; waited += kPauseMs) {
+        if (first && g_reporting.load() == 0) return;
+        platform::SleepMs(kPauseMs);
+    }
+}
 
 // Runs in the fault handler of the crashing thread.
 bool OnFault(const platform::Fault& fault) {
     RWinThread* const thread = t_running;
     if (!thread) return false;
-    if (!fault.breakpoint && g_crashing.exchange(true)) {
-        platform::SleepMs(kReportLimitMs);
-        platform::EndProcess(fault.code);
-    }
-    const std::uint32_t code = fault.breakpoint ? RWinThread::kBreakpointCode : fault.code;
-    if (thread->ThreadExceptionFilter(code, fault.systemContext) == 0) return false;
+    if (fault.breakpoint) return thread->ThreadExceptionFilter(RWinThread::kBreakpointCode, fault.systemContext) != 0;
+    g_reporting.fetch_add(1);
+    const bool first = !g_crashed.exchange(true);
+    if (first) platform::EndProcessIn(kReportLimitMs, fault.code);
+    thread->ThreadExceptionFilter(fault.code, fault.systemContext);
+    g_reporting.fetch_sub(1);
+    AwaitEnd(first);
     thread->HandleThreadExcept();
     return true;
 }

@@ -8,6 +8,7 @@
 #include "dorvutil/frame/registry.h"
 #include "dorvutil/platform/clock.h"
 #include "dorvutil/platform/thread.h"
+#include "dorvutil/system/crash_log.h"
 #include "dorvutil/text/empty_strings.h"
 
 namespace dorvutil {
@@ -37,6 +38,12 @@ CRandState::CRandState() {
 // Constant from the start; compilers may still register their empty destructors.
 constinit EmptyStrings::Holder<ORVustring> EmptyStrings::s_narrow;
 constinit EmptyStrings::Holder<ORVwstring> EmptyStrings::s_wide;
+
+namespace {
+
+CrashLogSetup g_crashLog;
+
+}  // namespace
 
 CRandState& RandomState() { return g_random; }
 

@@ -46,7 +46,7 @@ std::uint32_t FastMag(const TOrvPoint<std::int32_t>& vector) {
     if (x < kTableSpan && y < kTableSpan) return geometry_detail::TableLength(x, y);
     const double longX = vector.x;
     const double longY = vector.y;
-    return static_cast<std::uint32_t>(std::sqrt(longX * longX + longY * longY) + 0.5);
+    return static_cast<std::uint32_t>(std::llround(std::sqrt(longX * longX + longY * longY)));
 }
 
 std::int32_t GetCosLat(std::int32_t latitude) { return geometry_detail::CosLat(Magnitude(latitude)); }

@@ -152,8 +152,10 @@ std::int32_t OSGBSquareToFullEN(const char* square, double* easting, double* nor
     for (const LargeSquare& candidate : kLargeSquares)
         if (candidate.m_letter == UpperCase(square[0])) large = &candidate;
     const auto index = static_cast<std::int32_t>(small - kSmallSquares);
-    *easting = (large ? large->m_easting : 0) + index % 5 * kSquareSide;
-    *northing = (large ? large->m_northing : 0) + index / 5 * kSquareSide;
+    const std::int32_t column = index % 5;
+    const std::int32_t row = index / 5;
+    *easting = (large ? large->m_easting : 0) + column * kSquareSide;
+    *northing = (large ? large->m_northing : 0) + row * kSquareSide;
     return large ? 1 : 0;
 }
 

@@ -31,13 +31,16 @@ constexpr double ArcTangent(double tangent) {
     return 8 * tangent * sum;
 }
 
+/// Half up; for numbers from 0 on.
+constexpr std::uint32_t Rounded(double value) { return (static_cast<std::uint32_t>(2 * value) + 1) / 2; }
+
 /// Entry i: the latitude whose cosine is i / 1024, in coordinate units. It falls strictly.
 constexpr auto kCosLatTable = [] {
     std::array<std::uint32_t, kTableSize> table{};
     table[0] = kRightAngle;  // of which the tangent of the half is 1
     for (std::uint32_t i = 1; i < kTableSize; ++i) {
         const double half = ArcTangent(SquareRoot(static_cast<double>(kTableLast - i) / (kTableLast + i)));
-        table[i] = static_cast<std::uint32_t>(half * 2 * 180 / std::numbers::pi * 1e6 + 0.5);
+        table[i] = Rounded(half * 2 * 180 / std::numbers::pi * 1e6);
     }
     return table;
 }();
@@ -46,7 +49,7 @@ constexpr auto kCosLatTable = [] {
 constexpr auto kArcTangentTable = [] {
     std::array<std::int32_t, kTableSize> table{};
     for (std::uint32_t i = 0; i < kTableSize; ++i)
-        table[i] = static_cast<std::int32_t>(ArcTangent(static_cast<double>(i) / kTableLast) * 1024 + 0.5);
+        table[i] = static_cast<std::int32_t>(Rounded(ArcTangent(static_cast<double>(i) / kTableLast) * 1024));
     return table;
 }();
 
@@ -55,7 +58,7 @@ constexpr auto kMagnitudeTable = [] {
     std::array<std::uint16_t, kTableSize> table{};
     for (std::uint32_t i = 0; i < kTableSize; ++i) {
         const double ratio = static_cast<double>(i) / kTableLast;
-        table[i] = static_cast<std::uint16_t>(SquareRoot(1 + ratio * ratio) * 1024 + 0.5);
+        table[i] = static_cast<std::uint16_t>(Rounded(SquareRoot(1 + ratio * ratio) * 1024));
     }
     return table;
 }();

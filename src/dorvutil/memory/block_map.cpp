@@ -16,7 +16,7 @@ std::uintptr_t AddressOf(const HeapBlock* block) { return reinterpret_cast<std::
 
 }  // namespace
 
-BlockMap::BlockMap(std::uint32_t blockSize) : m_shift(std::bit_width(blockSize | 1u) - 1) {}
+BlockMap::BlockMap(std::uint32_t blockSize) : m_shift(static_cast<int>(std::bit_width(blockSize | 1u)) - 1) {}
 
 BlockMap::~BlockMap() { Mem_Free(m_starts); }
 

@@ -26,4 +26,8 @@ void DisarmThreadFaults();
 /// shell reports for a death by that signal), or the low eight bits of any other code.
 [[noreturn]] void EndProcess(std::uint32_t code);
 
+/// Has the process ended in that way when it still lives after that time, at least 1 (POSIX: takes the alarm signal and
+/// its timer for good). Safe in a fault handler: for what may hang there. The first call counts.
+void EndProcessIn(std::uint32_t milliseconds, std::uint32_t code);
+
 }  // namespace dorvutil::platform

@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -17,9 +18,13 @@ namespace {
 constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGTRAP};
 constexpr std::uint32_t kHighestSignal = 64;
 
-// Room for a call-stack writer; the address space is reserved and not touched until a fault.
-constexpr std::size_t kStackSize = 256 * 1024;
+// Room for a call-stack writer (one that takes a very long C++ name apart needs 400 KiB); the address space is reserved
+// and not touched until a fault.
+constexpr std::size_t kStackSize = 512 * 1024;
 constexpr std::size_t kGuardSize = 64 * 1024;  // a multiple of every page size in use
+
+std::atomic<std::uint32_t> g_lateCode{0};
+std::atomic<bool> g_endSet{false};
 
 struct sigaction g_previous[std::size(kSignals)];
 pthread_once_t g_installed = PTHREAD_ONCE_INIT;
@@ -133,6 +138,23 @@ void DisarmThreadFaults() {
 void EndProcess(std::uint32_t code) {
     const bool isSignal = code != 0 && code <= kHighestSignal;
     ::_exit(static_cast<int>((isSignal ? 128 + code : code) & 0xFF));
+}
+
+void EndProcessIn(std::uint32_t milliseconds, std::uint32_t code) {
+    if (g_endSet.exchange(true)) return;
+    g_lateCode.store(code, std::memory_order_relaxed);
+    struct sigaction action {};
+    action.sa_handler = [](int) { EndProcess(g_lateCode.load(std::memory_order_relaxed)); };
+    ::sigemptyset(&action.sa_mask);
+    ::sigaction(SIGALRM, &action, nullptr);
+    sigset_t alarm;
+    ::sigemptyset(&alarm);
+    ::sigaddset(&alarm, SIGALRM);
+    ::pthread_sigmask(SIG_UNBLOCK, &alarm, nullptr);
+    itimerval timer{};
+    timer.it_value.tv_sec = static_cast<time_t>(milliseconds / 1000);
+    timer.it_value.tv_usec = static_cast<suseconds_t>(milliseconds % 1000) * 1000;
+    ::setitimer(ITIMER_REAL, &timer, nullptr);
 }
 
 }  // namespace dorvutil::platform
