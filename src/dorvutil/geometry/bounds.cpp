@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "dorvutil/geometry/polyline_kernels.h"
+
 namespace dorvutil {
 namespace {
 
@@ -9,7 +11,8 @@ using Point = TOrvPoint<std::int32_t>;
 
 TOrvRect<std::int32_t> BoundsOf(const Point& first, const Point* pts, std::uint32_t n) {
     TOrvRect<std::int32_t> bounds{first.x, first.y, first.x, first.y};
-    for (std::uint32_t i = 0; i < n; ++i) {
+    const std::uint32_t done = geometry_detail::HasAvx2() ? geometry_detail::WidenAvx2(pts, n, bounds) : 0;
+    for (std::uint32_t i = done; i < n; ++i) {
         bounds.minX = std::min(bounds.minX, pts[i].x);
         bounds.minY = std::min(bounds.minY, pts[i].y);
         bounds.maxX = std::max(bounds.maxX, pts[i].x);

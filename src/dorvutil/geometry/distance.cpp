@@ -24,7 +24,7 @@ constexpr double kCoordsPerMile = 14482.937340136432;
 constexpr double kUnitFactors[] = {6.9046767e-05,
                                    0.000111120000190848,
                                    0.36456692976,
-                                   0.111120000190848,
+                                   geometry_detail::kMetersPerCoord,
                                    0.12152230992,
                                    6e-05,
                                    1.7453292519943295e-08,
@@ -36,9 +36,9 @@ constexpr double kUnitFactors[] = {6.9046767e-05,
 double HalfHaversineArc(std::int32_t x1, std::int32_t y1, std::int32_t x2, std::int32_t y2) {
     constexpr double kHalfRadians = kRadiansPerCoord / 2;
     if (x1 == x2 && y1 == y2) return 0;
-    const double sinLon = std::sin(x2 * kHalfRadians - x1 * kHalfRadians);
-    const double sinLat = std::sin(y1 * kHalfRadians - y2 * kHalfRadians);
     const double cosines = std::cos(y1 * kRadiansPerCoord) * std::cos(y2 * kRadiansPerCoord);
+    const double sinLon = std::sin(x2 * kHalfRadians - x1 * kHalfRadians);
+    const double sinLat = std::sin(y1 * kHalfRadians - y2 * kHalfRadians);  // last: the least is left to do with it
     const double s = std::sqrt(cosines * (sinLon * sinLon) + sinLat * sinLat);
     return s <= 1 ? std::asin(s) : 0;
 }
@@ -47,6 +47,12 @@ double HalfHaversineArc(std::int32_t x1, std::int32_t y1, std::int32_t x2, std::
 constexpr bool IsShort(std::int32_t span) {
     constexpr std::uint32_t kLongest = geometry_detail::kTableSpan - 1;
     return static_cast<std::uint32_t>(span) + kLongest <= 2 * kLongest;
+}
+
+// Out of line, so that the plane need not save registers for it.
+[[gnu::noinline]] double Curved(const TOrvPoint<std::int32_t>& from, const TOrvPoint<std::int32_t>& to,
+                                TDistType unit) {
+    return GC_DistNear(from.x, from.y, to.x, to.y, unit);
 }
 
 double MilesOfHalfArc(double half) { return half * (2 * kNauticalMilesPerRadian) * kMilesPerNauticalMile; }
@@ -103,12 +109,13 @@ double GC_DistNearWrapper(std::int32_t x1, std::int32_t y1, std::int32_t x2, std
 
 double GC_DistFast(const TOrvPoint<std::int32_t>& from, const TOrvPoint<std::int32_t>& to, TDistType unit) {
     const TOrvPoint<std::int32_t> span = from - to;
-    if (!IsShort(span.x) || !IsShort(span.y)) return GC_DistNear(from.x, from.y, to.x, to.y, unit);
+    if (!IsShort(span.x) || !IsShort(span.y)) return Curved(from, to, unit);
     const auto index = static_cast<std::uint32_t>(unit);
     if (index >= std::size(kUnitFactors)) return 0;
     const std::uint32_t middle = Magnitude(geometry_detail::WrappingAdd(from.y, to.y)) / 2;
     const std::int32_t width = (geometry_detail::CosLat(middle) * span.x) >> 10;
-    return geometry_detail::TableLength(Magnitude(width), Magnitude(span.y)) * kUnitFactors[index];
+    const std::uint32_t length = geometry_detail::TableLength(Magnitude(width), Magnitude(span.y));
+    return static_cast<std::int32_t>(length) * kUnitFactors[index];
 }
 
 double GetLineDistance(std::int32_t x1, std::int32_t y1, std::int32_t x2, std::int32_t y2) {

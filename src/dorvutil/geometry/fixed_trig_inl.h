@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "dorvutil/geometry/fixed_trig.h"
@@ -8,7 +9,9 @@
 /// The bodies of the integer trigonometry that the distances need in line.
 namespace dorvutil::geometry_detail {
 
-constexpr std::uint32_t kTableSpan = 0x40000;  // from here on the products of the tables would leave 32 bits
+constexpr int kTableBits = 18;
+constexpr std::uint32_t kTableSpan = 1u << kTableBits;  // from here on the products of the tables would leave 32 bits
+constexpr double kMetersPerCoord = 0.111120000190848;   // in the plane
 
 /// The cosine of a latitude given without its sign, times 1024: LastProbe without the search; 0 beyond the pole.
 inline std::int32_t CosLat(std::uint32_t latitude) {
@@ -21,7 +24,11 @@ inline std::uint32_t TableLength(std::uint32_t x, std::uint32_t y) {
     const std::uint32_t shorter = x < y ? x : y;
     const std::uint32_t longer = x < y ? y : x;
     if (shorter == 0) return longer;
-    return (kMagnitudeTable[shorter * 1024 / longer] * longer) >> 10;
+    // A double takes half the time of an integer and is cut to the same: below a whole number the quotient stays away
+    // from it by 2^-18 and more.
+    const double dividend = static_cast<std::int32_t>(shorter * kTableLast);
+    const auto ratio = static_cast<std::int64_t>(dividend / static_cast<std::int32_t>(longer));
+    return (kMagnitudeTable[static_cast<std::size_t>(ratio)] * longer) >> 10;
 }
 
 }  // namespace dorvutil::geometry_detail

@@ -4,13 +4,12 @@
 #include <cmath>
 
 #include "dorvutil/geometry/bounds.h"
-#include "dorvutil/geometry/distance.h"
-#include "dorvutil/geometry/fixed_trig.h"
-#include "dorvutil/geometry/segment_inl.h"
+#include "dorvutil/geometry/polyline_kernels.h"
 
 namespace dorvutil {
 namespace {
 
+using geometry_detail::Box;
 using geometry_detail::Point;
 
 // How far a coordinate lies outside the stretch from a to b, and the length of the stretch that holds all three.
@@ -29,103 +28,99 @@ Reach ReachOf(std::int32_t a, std::int32_t b, std::int32_t p) {
 // Both forms pass over what lies in a box no nearer than the best so far. That drops no improvement: a projection lies
 // in the box of its segment, and the distance to it is no less than the one to the box, rounding being monotone.
 struct ExactForm {
-    static bool IsBeyond(const Point& a, const Point& b, const Point& p, double best) {
-        const auto dx = static_cast<double>(ReachOf(a.x, b.x, p.x).m_gap);
-        const auto dy = static_cast<double>(ReachOf(a.y, b.y, p.y).m_gap);
+    static bool IsBeyond(const Box& box, const Point& p, double best) {
+        const auto dx = static_cast<double>(ReachOf(box.minX, box.maxX, p.x).m_gap);
+        const auto dy = static_cast<double>(ReachOf(box.minY, box.maxY, p.y).m_gap);
         return dx * dx + dy * dy >= best;
     }
-    static double Project(const Point& a, const Point& b, const Point& p, Point& out) {
-        return geometry_detail::Project(a, b, p, out);
+    static constexpr auto kProject = geometry_detail::ProjectAllExact;
+    static Point Projected(const Point* segment, const Point& p) {
+        Point projected;
+        geometry_detail::Project(segment[0], segment[1], p, projected);
+        return projected;
     }
-    static double Distance(const Point& a, const Point& b) { return geometry_detail::SquaredDistance(a, b); }
 };
 
 struct FastForm {
     // FastMag falls short of the length by less than 1 and 0.12 %: its table is off by at most half a unit and one
     // entry in 1024, and the result is cut. Where differences wrap the box says nothing.
-    static bool IsBeyond(const Point& a, const Point& b, const Point& p, double best) {
-        const Reach x = ReachOf(a.x, b.x, p.x);
-        const Reach y = ReachOf(a.y, b.y, p.y);
+    static bool IsBeyond(const Box& box, const Point& p, double best) {
+        const Reach x = ReachOf(box.minX, box.maxX, p.x);
+        const Reach y = ReachOf(box.minY, box.maxY, p.y);
         const auto dx = static_cast<double>(x.m_gap);
         const auto dy = static_cast<double>(y.m_gap);
         const double length = (best + 1) * 1.0012;
         return dx * dx + dy * dy >= length * length && std::max(x.m_span, y.m_span) <= INT32_MAX;
     }
-    static double Project(const Point& a, const Point& b, const Point& p, Point& out) {
-        const double t = geometry_detail::ProjectFast(b - a, p - a, out);
-        out += a;
-        return t;
+    static constexpr auto kProject = geometry_detail::ProjectAllFast;
+    static Point Projected(const Point* segment, const Point& p) {
+        Point step;
+        geometry_detail::ProjectFast(segment[1] - segment[0], p - segment[0], step);
+        return segment[0] + step;
     }
-    static double Distance(const Point& a, const Point& b) { return FastMag(a - b); }
 };
 
-constexpr std::int32_t kStretch = 16;  // segments that are passed over together
+constexpr std::int32_t kStretch = 32;  // segments that are looked at, or passed over, together
 
-template <class Form>
-double DistanceToSegment(const Point* segment, const Point& p, Point& projected, double& t) {
-    t = Form::Project(segment[0], segment[1], p, projected);
-    return Form::Distance(projected, p);
-}
-
-// Just above what some segments are away: no segment from there on is the nearest.
+// Just above what a segment is away that starts near p: no segment from there on is the nearest.
 template <class Form>
 double FirstBound(const Point* pts, std::int32_t n, const Point& p) {
-    double bound = kNoSegmentDistance;
+    const Point* start = pts;
+    double least = kNoSegmentDistance;
     for (std::int32_t i = 0; i < n - 1; i += std::min(kStretch, n - 1 - i)) {
-        Point projected;
-        double t = 0;
-        bound = std::min(bound, DistanceToSegment<Form>(pts + i, p, projected, t));
+        const double distance = geometry_detail::SquaredDistance(pts[i], p);
+        if (distance < least) {
+            least = distance;
+            start = pts + i;
+        }
     }
+    double t = 0;
+    double bound = 0;
+    Form::kProject(start, 1, p, {&t, &bound});
     return std::nextafter(bound, kNoSegmentDistance);
 }
 
-// Tells `walk` of every stretch as it is entered and of every projection that is nearer than all before; of the nearest
+// Tells `walk` of every stretch as it is entered and of every segment that is nearer than all before; of the nearest
 // one only, once the walk says that the others no longer matter.
 template <class Form, class Walk>
 double FindNearest(const Point* pts, std::int32_t n, const Point& p, Walk& walk) {
     double best = kNoSegmentDistance;
     if (!pts || n < 2) return best;
     const double bound = FirstBound<Form>(pts, n, p);
+    double t[kStretch];
+    double distances[kStretch];
     for (std::int32_t from = 0; from < n - 1; from += std::min(kStretch, n - 1 - from)) {
         const std::int32_t segments = std::min(kStretch, n - 1 - from);
-        walk.Enter(pts + from, segments);
-        const auto isBeyond = [&](const Point& a, const Point& b) {
-            return Form::IsBeyond(a, b, p, walk.WantsNearestOnly() ? std::min(best, bound) : best);
-        };
-        TOrvRect<std::int32_t> box;
+        Box box;
         GetBoundingRect(box, pts + from, segments + 1);
-        if (isBeyond({box.minX, box.minY}, {box.maxX, box.maxY})) continue;
-        for (const Point* at = pts + from; at < pts + from + segments; ++at) {
-            if (isBeyond(at[0], at[1])) continue;
-            Point projected;
-            double t = 0;
-            const double distance = DistanceToSegment<Form>(at, p, projected, t);
-            if (distance >= best) continue;
-            best = distance;
-            walk.Improve(at, projected, t);
+        walk.Enter(pts + from, segments, box);
+        if (Form::IsBeyond(box, p, walk.WantsNearestOnly() ? std::min(best, bound) : best)) continue;
+        Form::kProject(pts + from, segments, p, {t, distances});
+        for (std::int32_t i = 0; i < segments; ++i) {
+            if (distances[i] >= best) continue;
+            best = distances[i];
+            walk.Improve(i, t[i]);
         }
     }
     return best;
 }
 
+// Segments are told by their numbers in the stretch entered last.
 struct NearestSegment {
+    const Point* m_stretch = nullptr;
     const Point* m_segment = nullptr;
-    Point m_point;
 
-    void Enter(const Point*, std::int32_t) {}
+    void Enter(const Point* stretch, std::int32_t, const Box&) { m_stretch = stretch; }
     static bool WantsNearestOnly() { return true; }
-    void Improve(const Point* segment, const Point& projected, double) {
-        m_segment = segment;
-        m_point = projected;
-    }
+    void Improve(std::int32_t segment, double) { m_segment = m_stretch + segment; }
 };
 
 // Keeps the place of the nearest point along the line, in metres.
 class Chainage {
 public:
-    void Enter(const Point* stretch, std::int32_t segments) {
+    void Enter(const Point* stretch, std::int32_t segments, const Box& box) {
         m_stretch = stretch;
-        for (std::int32_t i = 0; i < segments; ++i) m_lengths[i] = GC_DistFast(stretch[i], stretch[i + 1], DT_METERS);
+        geometry_detail::SegmentLengths(stretch, segments, box, m_lengths);
         for (std::int32_t i = 0; i < segments; ++i) {
             m_starts[i] = m_walked;
             m_walked += m_lengths[i];
@@ -133,10 +128,10 @@ public:
     }
     // The overshoot gets no less than 0.
     bool WantsNearestOnly() const { return m_overshoot == 0; }
-    void Improve(const Point* segment, const Point& projected, double t) {
-        const double start = m_starts[segment - m_stretch];
-        const double length = m_lengths[segment - m_stretch];
-        m_point = projected;
+    void Improve(std::int32_t segment, double t) {
+        const double start = m_starts[segment];
+        const double length = m_lengths[segment];
+        m_segment = m_stretch + segment;
         double excess = 0;
         if (t < 0) {
             m_along = start;
@@ -149,7 +144,7 @@ public:
         }
         m_overshoot = std::min(m_overshoot, geometry_detail::RoundToInt32(excess));
     }
-    const Point& Nearest() const { return m_point; }
+    const Point* Nearest() const { return m_segment; }
     void Result(double& ratio, int& overshoot) const {
         overshoot = m_walked == 0 ? 0 : m_overshoot;
         if (m_walked == 0 || m_along == 0) {
@@ -160,10 +155,10 @@ public:
     }
 
 private:
-    Point m_point;
     const Point* m_stretch = nullptr;
-    double m_starts[kStretch] = {};  // of the segments of the stretch
-    double m_lengths[kStretch] = {};
+    const Point* m_segment = nullptr;
+    double m_starts[kStretch];  // of the segments of the stretch
+    double m_lengths[kStretch];
     double m_walked = 0;
     double m_along = 0;
     std::int32_t m_overshoot = INT32_MAX;
@@ -175,7 +170,7 @@ double ProjectWithChainage(const Point* pts, std::int32_t n, const Point& p, Poi
     Chainage walk;
     const double best = FindNearest<Form>(pts, n, p, walk);
     walk.Result(ratio, overshoot);
-    out = walk.Nearest();
+    out = walk.Nearest() ? Form::Projected(walk.Nearest(), p) : Point{};
     return best;
 }
 
@@ -192,7 +187,7 @@ std::int32_t FindBracketPoints(const Point* pts, std::int32_t n, const Point& p,
 double ProjectToPolyline2(const Point* pts, std::int32_t n, const Point& p, Point& out) {
     NearestSegment walk;
     const double best = FindNearest<ExactForm>(pts, n, p, walk);
-    out = walk.m_point;
+    out = walk.m_segment ? ExactForm::Projected(walk.m_segment, p) : Point{};
     return best;
 }
 

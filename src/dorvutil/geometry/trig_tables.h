@@ -102,7 +102,7 @@ constexpr std::uint32_t ProbeIn(const ProbeStrip& strip, std::uint32_t place) {
 }
 
 constexpr auto kProbeStrips = [] {
-    std::array<ProbeStrip, kStrips> table{};
+    std::array<ProbeStrip, kStrips + 1> table{};  // the last one so that a strip can be read as 8 bytes
     for (std::uint32_t i = 0; i < kStrips; ++i)
         table[i].m_probe = static_cast<std::uint16_t>(LastProbe((i << kStripBits) | kStripMask));
     const auto addStep = [&table](std::uint32_t above, int slot) {
