@@ -98,6 +98,18 @@ inline Names Shown(TypeAheadSearchHandle& handle, std::uint32_t generation) {
     return names;
 }
 
+/// Ends the searches of a handle and its sources. Declared behind what their scripts refer to.
+class EndOfSearches {
+public:
+    explicit EndOfSearches(TypeAheadSearchHandle& handle) : m_handle(handle) {}
+    ~EndOfSearches() { m_handle.FlushSources(); }
+    EndOfSearches(const EndOfSearches&) = delete;
+    EndOfSearches& operator=(const EndOfSearches&) = delete;
+
+private:
+    TypeAheadSearchHandle& m_handle;
+};
+
 /// A handle whose sources go before it.
 template <eSearchThreadingControl kControl>
 struct HandleTest : testing::Test {

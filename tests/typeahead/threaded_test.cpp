@@ -35,6 +35,7 @@ TEST_F(ThreadedHandle, WaitingReturnsTheFinalPeeledResults) {
 TEST_F(ThreadedHandle, ASourceReadyDuringASearchIsSearchedWithTheCurrentTextAndAlone) {
     Gate preload;
     event searched(true), again(true);
+    const EndOfSearches end(m_handle);
     ScriptedSource* const late =
         Add(1, ReportAndSignal(searched), [&](ScriptedSource&) { return preload.Pass(), true; });
     ASSERT_TRUE(preload.WaitUntilEntered());
@@ -63,6 +64,7 @@ TEST_F(ThreadedHandle, AFailedPreloadKeepsTheSourceOut) {
 
 TEST_F(ThreadedHandle, ANewSearchCancelsTheRunningOneAndItsResults) {
     event entered(true);
+    const EndOfSearches end(m_handle);
     Add(1, [&](ScriptedSource& s, const std::string& input) {
         if (input != "old") return s.Report(input.c_str());
         entered.SignalEvent();
@@ -127,6 +129,7 @@ TEST_F(ThreadedHandle, DataThatChangesAtRestIsSearchedForItsSourceAlone) {
         s.Report(("version " + std::to_string(++calls)).c_str());
         if (calls == 2) again.SignalEvent();
     };
+    const EndOfSearches end(m_handle);
     ScriptedSource* const changing = Add(1, search, [](ScriptedSource&) { return true; });
     ScriptedSource* const other = Add(2, ReportInput);
     m_handle.StartSearch("text", true);
@@ -140,6 +143,7 @@ TEST_F(ThreadedHandle, DataThatChangesAtRestIsSearchedForItsSourceAlone) {
 TEST_F(ThreadedHandle, PeeledTextIsSearchedInFullWhenDataChanges) {
     std::atomic<bool> full{false};
     event found(true);
+    const EndOfSearches end(m_handle);
     ScriptedSource* const source = Add(1, [&](ScriptedSource& s, const std::string& input) {
         if (input != (full ? "abcd" : "ab")) return;
         s.Report(input.c_str());
@@ -154,6 +158,7 @@ TEST_F(ThreadedHandle, PeeledTextIsSearchedInFullWhenDataChanges) {
 
 TEST_F(ThreadedHandle, PreparationsYieldToSearches) {
     Gate gate;
+    const EndOfSearches end(m_handle);
     Add(2);
     ScriptedSource* const source = Add(1, [&](ScriptedSource&, const std::string&) { gate.Pass(); });
     m_handle.PrepareSearch("prep");
