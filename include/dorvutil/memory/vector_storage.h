@@ -68,7 +68,7 @@ DORVUTIL_API void StoreFlatHeader(const FlatHeader& header, unsigned char* bytes
 DORVUTIL_API FlatHeader LoadFlatHeader(const unsigned char* bytes);
 
 /// Whether `count` elements may be given memory when `remaining` bytes of input are left: a damaged count must not make
-/// the process reserve memory out of proportion (more than 1 GiB and more than twice what is left).
+/// the process reserve memory out of proportion (more than 64 MiB and more than twice what is left).
 DORVUTIL_API bool IsPlausible(std::uint32_t count, std::size_t elementSize, std::uint32_t remaining);
 
 }  // namespace dorvutil::detail

@@ -9,7 +9,7 @@
 namespace dorvutil::detail {
 namespace {
 
-constexpr std::size_t kAlwaysPlausibleBytes = std::size_t{1} << 30;
+constexpr std::size_t kAlwaysPlausibleBytes = std::size_t{64} << 20;
 
 bool BytesOf(std::uint32_t count, std::size_t elementSize, std::size_t& bytes) {
     if (count > kVectorMaxCount || count > std::numeric_limits<std::size_t>::max() / elementSize) return false;
