@@ -164,9 +164,9 @@ TEST(Log, ADedicatedLogHearsItsPublisherAlone) {
         const std::int32_t mine = log.CreateDedicatedFileLogger("mine");
         EXPECT_EQ(log.CreateDedicatedFileLogger(nullptr), -1);
         log.DeleteDedicatedFileLogger(mine);
+        log.DeleteFileLogger(log.CreateFileLogger("gone", kSubscribeToAll, kEveryLogLevel));
         log.Publish(mine, 5, "f", 1, "for me", 0, true);
         log.Publish(2, 5, "f", 1, "for all", 0, true);
-        log.DeleteFileLogger(log.CreateFileLogger("gone", kSubscribeToAll, kEveryLogLevel));
     }
     EXPECT_NE(directory.Text("mine").find("\"for me\" (@ f:1)"), std::string::npos);
     EXPECT_EQ(directory.Text("mine").find("for all"), std::string::npos);
