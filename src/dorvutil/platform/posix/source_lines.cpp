@@ -1,6 +1,7 @@
 #include "dorvutil/platform/posix/source_lines.h"
 
-#if defined(DORVUTIL_HAS_BACKTRACE)
+// The compiler that builds has the header; one that only looks at the source may not.
+#if defined(DORVUTIL_HAS_BACKTRACE) && __has_include(<backtrace.h>)
 
 #include <backtrace.h>
 
