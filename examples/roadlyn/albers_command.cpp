@@ -1,7 +1,6 @@
 #include "albers_command.h"
 
 #include <charconv>
-#include <exception>
 #include <iomanip>
 #include <iostream>
 #include <memory>
@@ -11,6 +10,7 @@
 #include "coordinate_argument.h"
 #include "dorvutil/geometry/albers.h"
 #include "input_error.h"
+#include "run_command.h"
 
 namespace roadlyn {
 namespace {
@@ -91,16 +91,11 @@ void Unproject(const PrjAlber& projection, const AlbersOptions& options, const c
 }
 
 int Run(const AlbersOptions& options) {
-    try {
+    return RunCommand([&options] {
         std::cout << std::fixed;
         const char* const separator = options.tsv ? "\t" : ",";
         (options.inverse ? Unproject : Project)(Projection(options.set), options, separator);
-    } catch (const std::exception& error) {
-        std::cout.flush();
-        std::cerr << "roadlyn: " << error.what() << '\n';
-        return 2;
-    }
-    return std::cout.flush().good() ? 0 : 1;
+    });
 }
 
 }  // namespace

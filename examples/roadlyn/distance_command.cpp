@@ -1,7 +1,6 @@
 #include "distance_command.h"
 
 #include <array>
-#include <exception>
 #include <iomanip>
 #include <iostream>
 #include <memory>
@@ -10,6 +9,7 @@
 
 #include "coordinate_argument.h"
 #include "dorvutil/geometry/distance.h"
+#include "run_command.h"
 
 namespace roadlyn {
 namespace {
@@ -68,13 +68,7 @@ void Print(const DistanceOptions& options) {
 }
 
 int Run(const DistanceOptions& options) {
-    try {
-        Print(options);
-    } catch (const std::exception& error) {
-        std::cerr << "roadlyn: " << error.what() << '\n';
-        return 2;
-    }
-    return std::cout.flush().good() ? 0 : 1;
+    return RunCommand([&options] { Print(options); });
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "grid_command.h"
 
-#include <exception>
 #include <iomanip>
 #include <iostream>
 #include <memory>
@@ -9,6 +8,7 @@
 
 #include "dorvutil/geometry/national_grid.h"
 #include "grid_reference.h"
+#include "run_command.h"
 
 namespace roadlyn {
 namespace {
@@ -39,13 +39,7 @@ void Print(const GridOptions& options) {
 }
 
 int Run(const GridOptions& options) {
-    try {
-        Print(options);
-    } catch (const std::exception& error) {
-        std::cerr << "roadlyn: " << error.what() << '\n';
-        return 2;
-    }
-    return std::cout.flush().good() ? 0 : 1;
+    return RunCommand([&options] { Print(options); });
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 #include "settings_command.h"
 
-#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "run_command.h"
 #include "settings_file.h"
 
 namespace roadlyn {
@@ -38,18 +38,14 @@ void Change(const std::string& path, const std::string& key, const std::string& 
 }
 
 int Run(const SettingsOptions& options) {
-    try {
+    return RunCommand([&options] {
         if (options.value)
             Change(options.file, *options.key, *options.value);
         else if (options.key)
             Print(options.file, *options.key);
         else
             List(options.file);
-    } catch (const std::exception& error) {
-        std::cerr << "roadlyn: " << error.what() << '\n';
-        return 2;
-    }
-    return std::cout.flush().good() ? 0 : 1;
+    });
 }
 
 }  // namespace

@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <exception>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "coordinate_argument.h"
 #include "road_snap.h"
+#include "run_command.h"
 #include "svg.h"
 
 namespace roadlyn {
@@ -96,13 +95,7 @@ void Snap(const SnapOptions& options) {
 }
 
 int Run(const SnapOptions& options) {
-    try {
-        Snap(options);
-    } catch (const std::exception& error) {
-        std::cerr << "roadlyn: " << error.what() << '\n';
-        return 2;
-    }
-    return std::fflush(stdout) == 0 ? 0 : 1;
+    return RunCommand([&options] { Snap(options); });
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <exception>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -11,6 +10,7 @@
 
 #include "input_error.h"
 #include "line_thinning.h"
+#include "run_command.h"
 #include "svg.h"
 
 namespace roadlyn {
@@ -117,13 +117,7 @@ void Thin(const ThinOptions& options) {
 }
 
 int Run(const ThinOptions& options) {
-    try {
-        Thin(options);
-    } catch (const std::exception& error) {
-        std::cerr << "roadlyn: " << error.what() << '\n';
-        return 2;
-    }
-    return std::cout.flush().good() && std::fflush(stdout) == 0 ? 0 : 1;
+    return RunCommand([&options] { Thin(options); });
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <exception>
 #include <iomanip>
 #include <iostream>
 #include <memory>
@@ -14,6 +13,7 @@
 #include "country_names.h"
 #include "data_path.h"
 #include "place_file.h"
+#include "run_command.h"
 
 namespace roadlyn {
 namespace {
@@ -93,7 +93,7 @@ void ShowAllPlaces(const CountryMap& map, const WhereOptions& options) {
 }
 
 int Run(const WhereOptions& options) {
-    try {
+    return RunCommand([&options] {
         const CountryMap map(options.countries);
         if (options.all)
             ShowAllPlaces(map, options);
@@ -101,12 +101,7 @@ int Run(const WhereOptions& options) {
             ShowInput(map, options.tsv);
         else
             ShowArguments(map, options);
-    } catch (const std::exception& error) {
-        std::cout.flush();
-        std::cerr << "roadlyn: " << error.what() << '\n';
-        return 2;
-    }
-    return std::cout.flush().good() ? 0 : 1;
+    });
 }
 
 }  // namespace
